@@ -1,0 +1,127 @@
+#include "core/dk_service_manager.h"
+
+#include <utility>
+
+#include "features/temperature/dk_temperature.h"
+#include "features/voltage/dk_voltage.h"
+#include "features/ras/dk_ras.h"
+#include "features/power/dk_power.h"
+#include "features/power_internal/dk_power_internal.h"
+#include "features/clock/dk_clock.h"
+#include "features/version/dk_version.h"
+#include "features/utilization/dk_utilization.h"
+#include "features/utilization_internal/dk_utilization_internal.h"
+#include "features/pcie/dk_pcie.h"
+#include "features/links/dk_links.h"
+#include "features/didt/dk_didt.h"
+#include "features/dpm/dk_dpm.h"
+#include "features/log/dk_log.h"
+#include "features/pptable/dk_pptable.h"
+#include "features/fuse/dk_fuse.h"
+#include "features/eeprom/dk_eeprom.h"
+#include "features/memory_controller/dk_memory_controller.h"
+#include "features/hbm/dk_hbm.h"
+#include "features/ecc/dk_ecc.h"
+#include "features/device_operation/dk_device_operation.h"
+#include "features/device_update/dk_device_update.h"
+#include "features/device_force_flash/dk_device_force_flash.h"
+#include "features/device_reset/dk_device_reset.h"
+#include "features/register/dk_register.h"
+#include "features/optical_module/dk_optical_module.h"
+#include "features/sdma/dk_sdma.h"
+#include "features/slicegpu/dk_slicegpu.h"
+#include "features/event/dk_event.h"
+#include "features/fan/dk_fan.h"
+#include "features/eth/dk_eth.h"
+#include "features/cxl/dk_cxl.h"
+#include "features/harvest/dk_harvest.h"
+#include "features/vpu/dk_vpu.h"
+
+namespace dksml {
+
+DkServiceManager& DkServiceManager::GetInstance() {
+    static DkServiceManager instance;
+    return instance;
+}
+
+DkServiceManager::DkServiceManager() = default;
+DkServiceManager::~DkServiceManager() = default;
+
+// Every call creates each service anew, in a fixed order; callers still
+// holding an older service keep it alive until they drop it.
+void DkServiceManager::Initialize() {
+    m_temperature = std::make_shared<DkTemperature>();
+    m_voltageMonitor = std::make_shared<DkVoltageMonitor>();
+    m_ras = std::make_shared<DkRas>();
+    m_power = std::make_shared<DkPower>();
+    m_powerInternal = std::make_shared<DkPowerInternal>();
+    m_clock = std::make_shared<DkClock>();
+    m_version = std::make_shared<DkVersion>();
+    m_utilization = std::make_shared<DkUtilization>();
+    m_utilizationInternal = std::make_shared<DkUtilizationInternal>();
+    m_pcie = std::make_shared<DkPcie>();
+    m_dravLink = std::make_shared<DkDravLink>();
+    m_didt = std::make_shared<DkDidt>();
+    m_dpm = std::make_shared<DkDpm>();
+    m_log = std::make_shared<DkLog>();
+    m_pptable = std::make_shared<DkPptable>();
+    m_fuse = std::make_shared<DkFuse>();
+    m_eeprom = std::make_shared<DkEeprom>();
+    m_memoryController = std::make_shared<DkMemoryController>();
+    m_hbm = std::make_shared<DkHbm>();
+    m_ecc = std::make_shared<DkEcc>();
+    m_deviceOperation = std::make_shared<DkDeviceOperation>();
+    // A fresh MMIO checker replaces the previous one and moves into the new
+    // firmware-update service.
+    m_vbiosCheckMmio = std::make_unique<DkVbiosCheckMmio>();
+    m_deviceUpdate = std::make_shared<DkDeviceUpdate>(std::move(m_vbiosCheckMmio));
+    m_deviceForceFlash = std::make_shared<DkDeviceForceFlash>();
+    m_deviceReset = std::make_shared<DkDeviceReset>();
+    m_register = std::make_shared<DkRegister>();
+    m_opticalModule = std::make_shared<DkOpticalModule>();
+    m_sdma = std::make_shared<DkSdma>();
+    m_sliceGpu = std::make_shared<DkSliceGpu>();
+    m_event = std::make_shared<DkEvent>();
+    m_fan = std::make_shared<DkFan>();
+    m_eth = std::make_shared<DkEth>();
+    m_cxl = std::make_shared<DkCxl>();
+    m_harvest = std::make_shared<DkHarvest>();
+    m_vpu = std::make_shared<DkVpu>();
+}
+
+std::shared_ptr<DkTemperature> DkServiceManager::GetDkTemperature() const { return m_temperature; }
+std::shared_ptr<DkVoltageMonitor> DkServiceManager::GetDkVoltageMonitor() const { return m_voltageMonitor; }
+std::shared_ptr<DkRas> DkServiceManager::GetDkRas() const { return m_ras; }
+std::shared_ptr<DkPower> DkServiceManager::GetDkPower() const { return m_power; }
+std::shared_ptr<DkPowerInternal> DkServiceManager::GetDkPowerInternal() const { return m_powerInternal; }
+std::shared_ptr<DkClock> DkServiceManager::GetDkClock() const { return m_clock; }
+std::shared_ptr<DkVersion> DkServiceManager::GetDkVersion() const { return m_version; }
+std::shared_ptr<DkUtilization> DkServiceManager::GetDkUtilization() const { return m_utilization; }
+std::shared_ptr<DkUtilizationInternal> DkServiceManager::GetDkUtilInternal() const { return m_utilizationInternal; }
+std::shared_ptr<DkPcie> DkServiceManager::GetDkPcie() const { return m_pcie; }
+std::shared_ptr<DkDravLink> DkServiceManager::GetDkDravLink() const { return m_dravLink; }
+std::shared_ptr<DkDidt> DkServiceManager::GetDkDidt() const { return m_didt; }
+std::shared_ptr<DkDpm> DkServiceManager::GetDkDpm() const { return m_dpm; }
+std::shared_ptr<DkLog> DkServiceManager::GetDkLog() const { return m_log; }
+std::shared_ptr<DkPptable> DkServiceManager::GetDkPptable() const { return m_pptable; }
+std::shared_ptr<DkFuse> DkServiceManager::GetDkFuse() const { return m_fuse; }
+std::shared_ptr<DkEeprom> DkServiceManager::GetDkEeprom() const { return m_eeprom; }
+std::shared_ptr<DkMemoryController> DkServiceManager::GetDkMemoryController() const { return m_memoryController; }
+std::shared_ptr<DkHbm> DkServiceManager::GetDkHbm() const { return m_hbm; }
+std::shared_ptr<DkEcc> DkServiceManager::GetDkEcc() const { return m_ecc; }
+std::shared_ptr<DkDeviceOperation> DkServiceManager::GetDkDeviceOperation() const { return m_deviceOperation; }
+std::shared_ptr<DkDeviceUpdate> DkServiceManager::GetDkDeviceUpdate() const { return m_deviceUpdate; }
+std::shared_ptr<DkDeviceForceFlash> DkServiceManager::GetDkDeviceForceFlash() const { return m_deviceForceFlash; }
+std::shared_ptr<DkDeviceReset> DkServiceManager::GetDkDeviceReset() const { return m_deviceReset; }
+std::shared_ptr<DkRegister> DkServiceManager::GetDkRegister() const { return m_register; }
+std::shared_ptr<DkOpticalModule> DkServiceManager::GetDkOpticalModule() const { return m_opticalModule; }
+std::shared_ptr<DkSdma> DkServiceManager::GetDkSdma() const { return m_sdma; }
+std::shared_ptr<DkSliceGpu> DkServiceManager::GetDkSliceGpu() const { return m_sliceGpu; }
+std::shared_ptr<DkEvent> DkServiceManager::GetDkEvent() const { return m_event; }
+std::shared_ptr<DkFan> DkServiceManager::GetDkFan() const { return m_fan; }
+std::shared_ptr<DkEth> DkServiceManager::GetDkEth() const { return m_eth; }
+std::shared_ptr<DkCxl> DkServiceManager::GetDkCxl() const { return m_cxl; }
+std::shared_ptr<DkHarvest> DkServiceManager::GetDkHarvest() const { return m_harvest; }
+std::shared_ptr<DkVpu> DkServiceManager::GetDkVpu() const { return m_vpu; }
+
+}  // namespace dksml

@@ -1,0 +1,166 @@
+// The process-wide owner of everything discovery finds: devices, dies,
+// limited devices and the tables that translate between the library's device
+// index, the driver's GPU and node ids, the compute stack's die numbering and
+// PCI bus ids. Discovery runs under the library's only mutex.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "core/dk_sys_utils.h"
+#include "core/idk_device.h"
+#include "dksml.h"
+
+namespace dksml {
+
+class DkDevice;
+class DkTopology;
+class IDkProcessManagement;
+
+// Search path of PCI functions (host path; see dk_host_root.h).
+extern const std::string g_dkDeviceSearchPath;  // "/sys/bus/pci/devices"
+
+// One die of a device; compatibility handles point at these records.
+struct DkDieInfo {
+    uint32_t dieIndex = 0;
+    std::shared_ptr<IDkDevice> device;
+};
+
+// A link record of a layout node ("direct_links"/"indirect_links").
+struct DkLinkAttr {
+    uint32_t to = 0;        // far-end node id, modulo 65536
+    uint32_t type = 0;      // kernel link type code
+    uint32_t distance = 0;
+};
+
+// One GPU layout node.
+struct DkGpuNodeInfo {
+    uint32_t nodeId = 0;
+    uint32_t gpuId = 0;
+    uint32_t topologyId = 0;
+    uint32_t isVf = 0;
+    uint32_t drmRenderMinor = 0;
+    uint64_t apMask = 0;
+    std::string bdfId;
+    std::string uuid;
+    int32_t active = 0;
+    std::vector<DkLinkAttr> directLinks;
+    std::vector<DkLinkAttr> indirectLinks;
+    uint32_t deviceIndex = UINT32_MAX;
+};
+
+// A network interface found next to the GPUs.
+struct DkNiNodeInfo {
+    uint32_t index = 0;
+    uint32_t numaNode = 0;
+    std::string bdf;
+};
+
+// A GPU function that was found but cannot be served.
+struct DkLimitedDeviceInfo {
+    std::string bdfId;
+    uint32_t vendorId = 0;
+    uint32_t deviceId = 0;
+    bool isVf = false;
+    uint32_t reason = 0;
+    std::string reasonText;
+};
+
+// Devices that share one board.
+struct DkBoardInfo {
+    uint32_t boardId = UINT32_MAX;
+    uint32_t deviceCount = 0;
+    uint32_t deviceIds[64] = {};
+};
+
+class DkSystemManager {
+public:
+    static DkSystemManager& GetInstance();
+
+    DkSmlReturn Initialize(const std::string& searchPath, std::unique_ptr<DkSysUtils> sysUtils,
+                           uint32_t flags);
+
+    // Lookups (empty pointer / sentinel when unknown).
+    std::shared_ptr<IDkDevice> GetDeviceById(uint32_t deviceIndex) const;
+    bool CheckDeviceHandle(const DkDieInfo* handle) const;
+    DkDieInfo* GetDieBySmlId(uint32_t deviceIndex);
+    DkDieInfo* GetDieByVornId(uint32_t vornId);
+    uint32_t GetAvailableDeviceCount() const;
+    uint32_t GetPfDeviceCount() const;  // device-map size minus physical count
+    uint32_t GetTargetNiCount() const;
+    const std::map<uint32_t, std::shared_ptr<IDkDevice>>& GetDeviceMap() const;
+
+    // Identifier translations.
+    uint32_t GetGpuIdByDeviceId(uint32_t deviceIndex) const;       // 0 when unknown
+    bool GetDeviceIdByGpuId(uint32_t gpuId, uint32_t& deviceIndex) const;
+    bool GetDeviceIdByNodeId(uint32_t nodeId, uint32_t& deviceIndex) const;
+    bool GetDieIdByGpuId(uint32_t gpuId, uint32_t& dieId) const;
+    bool GetDeviceIdByUuid(const std::string& uuid, uint32_t& deviceIndex) const;
+    bool GetDeviceIdByBdf(const std::string& bdfId, uint32_t& deviceIndex) const;
+    std::string GetBdfIdByDeviceId(uint32_t deviceIndex) const;
+    uint32_t GetGpuIdByBdfId(const std::string& bdfId) const;
+    uint32_t GetGpuIdByBdfAndDieId(const std::string& bdfId, uint32_t dieId) const;
+    bool GetRenderMinorByBdfId(const std::string& bdfId, uint32_t& minor) const;
+    IDkDevice* GetPfAncestor(const IDkDevice* vf) const;
+
+    // Limited devices.
+    DkSmlReturn GetAllLimitedDevices(uint32_t* count, uint32_t* deviceIndices) const;
+    DkSmlReturn GetLimitedDeviceInfo(uint32_t deviceIndex, DkSmlLimitedDeviceInfo* info) const;
+    DkSmlReturn GetLimitedDeviceState(uint32_t deviceIndex, int32_t* state) const;
+    DkSmlReturn GetLimitedDeviceDieCount(uint32_t deviceIndex, uint32_t* dieCount) const;
+    DkSmlReturn GetLimitedDeviceUnavailableReason(uint32_t deviceIndex,
+                                                  DkSmlDeviceUnavailableReasonInfo* info) const;
+    DkSmlReturn GetLimitedDieUnavailableReason(uint32_t deviceIndex, uint32_t dieId,
+                                               DkSmlDeviceUnavailableReasonInfo* info) const;
+    bool IsLimitedDevice(uint32_t deviceIndex) const;
+    // A temporary device object for read-only queries on a limited device.
+    std::shared_ptr<IDkDevice> MockDevice(const std::string& deviceDir) const;
+
+    // Board grouping.
+    uint32_t GetDeviceBoardId(uint32_t deviceIndex);
+    DkSmlReturn GetDeviceBoardInfo(uint32_t deviceIndex, DkBoardInfo* info);
+
+    // Operating mode ("system_maintenance" in the manager directory).
+    DkSmlReturn GetOpMode(uint32_t* mode) const;
+    DkSmlReturn SetOpMode(uint32_t mode) const;
+
+    // Topology and processes (null until their services exist).
+    std::shared_ptr<DkTopology> GetTopology() const;
+    std::shared_ptr<IDkProcessManagement> GetProcessManagement() const;
+
+    // Node tables for topology and slices.
+    const std::map<std::string, DkGpuNodeInfo>& GetGpuNodeMap() const;
+    const std::vector<DkNiNodeInfo>& GetNiNodeList() const;
+    const std::unordered_map<uint32_t, std::string>& GetGpuBdfIdMap() const;
+    const std::unordered_map<uint32_t, uint32_t>& GetSgpuIdMap() const;
+
+    // Paths (host paths, before the host root is applied).
+    const std::string& GetDkcdPath() const;             // class directory, ends in '/'
+    const std::string& GetSystemManagerPath() const;    // manager directory
+    const std::string& GetLayoutPath() const;           // class directory + "layout/nodes/"
+    void SetDkcdPath(const std::string& path);
+    void SetSystemManagerPath(const std::string& path);
+    DkSysUtils* GetSysUtils() const;
+
+    DkSystemManager(const DkSystemManager&) = delete;
+    DkSystemManager& operator=(const DkSystemManager&) = delete;
+
+private:
+    DkSystemManager();
+    ~DkSystemManager();
+    struct State;
+    std::unique_ptr<State> m_state;  // every table, reset by each discovery pass
+    std::mutex m_initMutex;
+};
+
+// Normalised PCI bus id ("0:3:0.0" -> "0000:03:00.0"); "" when a field is not hex.
+std::string GetStandardBdfId(const std::string& text);
+
+}  // namespace dksml

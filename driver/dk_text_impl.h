@@ -1,0 +1,2 @@
+// Template definitions of dk_text.h.
+#pragma once

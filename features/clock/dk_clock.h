@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkClock {
+public:
+    virtual ~DkClock() = default;
+};
+
+}  // namespace dksml

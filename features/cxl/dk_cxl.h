@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkCxl {
+public:
+    virtual ~DkCxl() = default;
+};
+
+}  // namespace dksml

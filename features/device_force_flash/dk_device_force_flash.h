@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkDeviceForceFlash {
+public:
+    virtual ~DkDeviceForceFlash() = default;
+};
+
+}  // namespace dksml

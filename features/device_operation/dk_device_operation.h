@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkDeviceOperation {
+public:
+    virtual ~DkDeviceOperation() = default;
+};
+
+}  // namespace dksml

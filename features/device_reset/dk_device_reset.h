@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkDeviceReset {
+public:
+    virtual ~DkDeviceReset() = default;
+};
+
+}  // namespace dksml

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkDidt {
+public:
+    virtual ~DkDidt() = default;
+};
+
+}  // namespace dksml

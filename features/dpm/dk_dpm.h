@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkDpm {
+public:
+    virtual ~DkDpm() = default;
+};
+
+}  // namespace dksml

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkEcc {
+public:
+    virtual ~DkEcc() = default;
+};
+
+}  // namespace dksml

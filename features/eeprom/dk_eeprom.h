@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkEeprom {
+public:
+    virtual ~DkEeprom() = default;
+};
+
+}  // namespace dksml

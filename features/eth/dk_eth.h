@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkEth {
+public:
+    virtual ~DkEth() = default;
+};
+
+}  // namespace dksml

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkEvent {
+public:
+    virtual ~DkEvent() = default;
+};
+
+}  // namespace dksml

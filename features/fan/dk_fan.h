@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkFan {
+public:
+    virtual ~DkFan() = default;
+};
+
+}  // namespace dksml

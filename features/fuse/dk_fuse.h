@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkFuse {
+public:
+    virtual ~DkFuse() = default;
+};
+
+}  // namespace dksml

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkHarvest {
+public:
+    virtual ~DkHarvest() = default;
+};
+
+}  // namespace dksml

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkHbm {
+public:
+    virtual ~DkHbm() = default;
+};
+
+}  // namespace dksml

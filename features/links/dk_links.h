@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkDravLink {
+public:
+    virtual ~DkDravLink() = default;
+};
+
+}  // namespace dksml

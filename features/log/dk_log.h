@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkLog {
+public:
+    virtual ~DkLog() = default;
+};
+
+}  // namespace dksml

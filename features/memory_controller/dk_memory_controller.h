@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkMemoryController {
+public:
+    virtual ~DkMemoryController() = default;
+};
+
+}  // namespace dksml

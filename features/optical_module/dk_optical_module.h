@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkOpticalModule {
+public:
+    virtual ~DkOpticalModule() = default;
+};
+
+}  // namespace dksml

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkPcie {
+public:
+    virtual ~DkPcie() = default;
+};
+
+}  // namespace dksml

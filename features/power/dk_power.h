@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkPower {
+public:
+    virtual ~DkPower() = default;
+};
+
+}  // namespace dksml

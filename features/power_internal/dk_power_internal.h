@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkPowerInternal {
+public:
+    virtual ~DkPowerInternal() = default;
+};
+
+}  // namespace dksml

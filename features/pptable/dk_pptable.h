@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkPptable {
+public:
+    virtual ~DkPptable() = default;
+};
+
+}  // namespace dksml

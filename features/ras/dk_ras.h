@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkRas {
+public:
+    virtual ~DkRas() = default;
+};
+
+}  // namespace dksml

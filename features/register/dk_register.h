@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkRegister {
+public:
+    virtual ~DkRegister() = default;
+};
+
+}  // namespace dksml

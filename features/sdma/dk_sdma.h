@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkSdma {
+public:
+    virtual ~DkSdma() = default;
+};
+
+}  // namespace dksml

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkSliceGpu {
+public:
+    virtual ~DkSliceGpu() = default;
+};
+
+}  // namespace dksml

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkTemperature {
+public:
+    virtual ~DkTemperature() = default;
+};
+
+}  // namespace dksml

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkUtilization {
+public:
+    virtual ~DkUtilization() = default;
+};
+
+}  // namespace dksml

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkUtilizationInternal {
+public:
+    virtual ~DkUtilizationInternal() = default;
+};
+
+}  // namespace dksml

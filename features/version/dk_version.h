@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkVersion {
+public:
+    virtual ~DkVersion() = default;
+};
+
+}  // namespace dksml

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkVoltageMonitor {
+public:
+    virtual ~DkVoltageMonitor() = default;
+};
+
+}  // namespace dksml

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace dksml {
+
+class DkVpu {
+public:
+    virtual ~DkVpu() = default;
+};
+
+}  // namespace dksml
