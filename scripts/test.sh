@@ -1,0 +1,8 @@
+#!/usr/bin/env bash
+# Builds with warnings as errors and runs the whole test suite.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash scripts/install-deps.sh
+cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DDKSML_WERROR=ON >/dev/null
+cmake --build build
+ctest --test-dir build --output-on-failure -j"$(nproc)"
