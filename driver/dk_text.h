@@ -78,6 +78,10 @@ std::string_view ExtractValueStrSeparatedBySpace(std::string_view line);  // aft
 // first character that cannot belong to the number, trailing text ignored.
 // Supported T: int, unsigned int, long, unsigned long, long long,
 // unsigned long long, short, unsigned short, float, double.
+// Unsigned types accept a leading '-' and wrap as libstdc++ does ("-1" gives
+// the maximum); overflow fails. `out` is left untouched on failure.
+// (ReadSysfs also accepts bool and std::string outputs with the stream's rules:
+// bool reads 0 or 1, std::string reads one blank-delimited word.)
 template <typename T>
 bool ExtractNumber(std::string_view text, T& out);
 
@@ -98,6 +102,9 @@ using LineParser = DkSmlReturn (*)(std::string_view line, T* out);
 // For each output in order: next line (none: 4), parser result (first non-zero returned).
 template <typename T>
 DkSmlReturn ReadSysfs(DkTextLines& lines, LineParser<T> parser, T* out, std::size_t outCount = 1);
+// The same on a file: 1 when `parser` is null, 4 when the file cannot be read.
+template <typename T>
+DkSmlReturn ReadSysfs(const std::string& path, LineParser<T> parser, T* out, std::size_t outCount = 1);
 
 // One line from the cursor (none: 4), handed to the parser.
 template <typename T>
