@@ -1,0 +1,27 @@
+#include "features/clock/dk_clock_text.h"
+
+#include <algorithm>
+#include <limits>
+#include <string>
+
+#include "core/idk_device.h"
+
+namespace dksml {
+
+DkSmlReturn ReadClockLabels(IDkDevice& device, unsigned int dieId, DkKeyValueMap& labels) {
+    std::string text;
+    DkSmlReturn result = device.FetchDriverData(dieId, DRAVIK_SMI_SHOWCLOCKS, text);
+    if (result != DK_SML_SUCCESS) return result;
+    return ParseKeyValue(text, labels);
+}
+
+uint32_t CopyClockValues(const std::vector<int64_t>& values, uint32_t* slots, std::size_t capacity) {
+    const std::size_t copied = std::min(values.size(), capacity);
+    constexpr int64_t maxValue = std::numeric_limits<uint32_t>::max();
+    for (std::size_t i = 0; i < copied; ++i) {
+        slots[i] = static_cast<uint32_t>(std::clamp<int64_t>(values[i], 0, maxValue));
+    }
+    return static_cast<uint32_t>(copied);
+}
+
+}  // namespace dksml
