@@ -1,0 +1,95 @@
+#include "json_render.h"
+
+#include <nlohmann/json.hpp>
+
+#include "names.h"
+
+namespace dksmi {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr int kSchemaVersion = 1;
+
+template <typename T>
+Json OrNull(const std::optional<T>& value) {
+    return value ? Json(*value) : Json(nullptr);
+}
+
+Json DieJson(const DieReport& die) {
+    Json clocks = nullptr;
+    if (die.clocks) {
+        clocks = Json::object();
+        for (const ClockReading& clock : *die.clocks) clocks[clock.ip] = OrNull(clock.mhz);
+    }
+    Json temperatures = nullptr;
+    if (die.temperatures) {
+        temperatures = Json::object();
+        for (const TemperatureReading& t : *die.temperatures) temperatures[t.name] = OrNull(t.celsius);
+    }
+    return Json{
+        {"die", die.die},
+        {"throttle_reasons_mask", OrNull(die.throttleMask)},
+        {"clocks_mhz", clocks},
+        {"temperatures_c", temperatures},
+        {"hottest_sensor_index", OrNull(die.hottestSensorIndex)},
+        {"sensor_table_c", OrNull(die.sensorTableC)},
+        {"voltage_monitor_raw", OrNull(die.voltageMonitorRaw)},
+    };
+}
+
+Json DeviceJson(const DeviceReport& device) {
+    Json dies = Json::array();
+    for (const DieReport& die : device.dies) dies.push_back(DieJson(die));
+    return Json{
+        {"index", device.index},
+        {"name", device.name},
+        {"bus_id", device.busId},
+        {"uuid", device.uuid.empty() ? Json(nullptr) : Json(device.uuid)},
+        {"brand", BrandName(device.brand)},
+        {"role", RoleKey(device.role)},
+        {"virtual_function_indices", device.virtualFunctions},
+        {"physical_function_index", OrNull(device.physicalFunction)},
+        {"die_count", OrNull(device.dieCount)},
+        {"hotspot_temperature_c", OrNull(device.hotspotC)},
+        {"fan_rpm", OrNull(device.fanRpm)},
+        {"fan_duty", OrNull(device.fanDuty)},
+        {"throttle_reasons_mask", OrNull(device.throttleMask)},
+        {"dies", dies},
+    };
+}
+
+Json LimitedDeviceJson(const LimitedDeviceReport& d) {
+    return Json{
+        {"index", d.index},
+        {"bus_id", d.busId},
+        {"vendor_id", d.vendorId},
+        {"device_id", d.deviceId},
+        {"is_virtual_function", d.isVirtualFunction},
+        {"unavailable_reason", Json{{"code", d.reason}, {"text", d.reasonText}}},
+    };
+}
+
+}  // namespace
+
+std::string RenderJson(const Snapshot& snapshot, const Outcome& outcome, bool compact) {
+    Json devices = Json::array();
+    for (const DeviceReport& device : snapshot.devices) devices.push_back(DeviceJson(device));
+    Json limited = Json::array();
+    for (const LimitedDeviceReport& d : snapshot.limitedDevices) limited.push_back(LimitedDeviceJson(d));
+    Json error = nullptr;
+    if (outcome.exitCode != kExitOk) error = Json{{"exit_code", outcome.exitCode}, {"message", outcome.message}};
+
+    const Json document{
+        {"schema_version", kSchemaVersion},
+        {"library_status",
+         Json{{"code", static_cast<uint32_t>(snapshot.initStatus)}, {"text", StatusText(snapshot.initStatus)}}},
+        {"error", error},
+        {"devices", devices},
+        {"limited_devices", limited},
+    };
+    // Names come from driver files: never let a stray byte abort the dump.
+    return document.dump(compact ? -1 : 2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace dksmi

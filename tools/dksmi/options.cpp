@@ -1,0 +1,46 @@
+#include "options.h"
+
+#include <CLI/CLI.hpp>
+
+#include "outcome.h"
+
+namespace dksmi {
+
+ParseResult ParseOptions(int argc, char** argv) {
+    CLI::App app{"dksmi - show the GPUs of this host, their clocks, temperatures, fan and\n"
+                 "voltage monitor, and the GPUs that cannot be served and why.",
+                 "dksmi"};
+    app.footer(
+        "Exit codes: 0 success, 1 unexpected failure, 2 usage error, 3 kernel driver\n"
+        "not loaded, 4 no GPU found, 5 no device with the given index, 6 GPUs found\n"
+        "but none can be served.\n"
+        "DK_SMI_FSROOT=DIR runs on a simulated host rooted at DIR.");
+
+    Options options;
+    uint32_t index = 0;
+    double watchSeconds = 0;
+    uint32_t count = 0;
+    CLI::Option* indexOption =
+        app.add_option("-i,--index", index, "Show everything known about one device (device index)");
+    app.add_flag("--json", options.json, "Print JSON (schema_version 1) instead of tables");
+    CLI::Option* watchOption = app.add_option("--watch", watchSeconds, "Redraw every SECONDS until interrupted")
+                                   ->type_name("SECONDS")
+                                   ->check(CLI::PositiveNumber);
+    CLI::Option* countOption = app.add_option("--count", count, "With --watch: stop after N redraws")
+                                   ->type_name("N")
+                                   ->check(CLI::PositiveNumber)
+                                   ->needs(watchOption);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        const int code = app.exit(error);
+        return code == 0 ? kExitOk : kExitUsage;
+    }
+    if (indexOption->count() > 0) options.index = index;
+    if (watchOption->count() > 0) options.watchSeconds = watchSeconds;
+    if (countOption->count() > 0) options.count = count;
+    return options;
+}
+
+}  // namespace dksmi

@@ -1,0 +1,174 @@
+#include "text_render.h"
+
+#include <algorithm>
+#include <iterator>
+#include <vector>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "names.h"
+
+namespace dksmi {
+namespace {
+
+constexpr const char* kNotAvailable = "N/A";
+
+template <typename T>
+std::string OrNa(const std::optional<T>& value, const char* unit = "") {
+    return value ? fmt::format("{}{}", *value, unit) : kNotAvailable;
+}
+
+std::string HexOrNa(const std::optional<uint64_t>& mask) {
+    return mask ? fmt::format("{:#x}", *mask) : kNotAvailable;
+}
+
+std::string JoinOrNa(const std::optional<std::vector<uint32_t>>& values) {
+    return values ? fmt::format("{}", fmt::join(*values, " ")) : kNotAvailable;
+}
+
+// Plain text table: columns padded to their widest cell, two blanks apart.
+std::string FormatTable(const std::vector<std::string>& headers, const std::vector<std::vector<std::string>>& rows) {
+    std::vector<size_t> widths(headers.size());
+    for (size_t c = 0; c < headers.size(); ++c) {
+        widths[c] = headers[c].size();
+        for (const auto& row : rows) widths[c] = std::max(widths[c], row[c].size());
+    }
+    std::string out;
+    auto line = [&](const std::vector<std::string>& cells) {
+        std::string text;
+        for (size_t c = 0; c < cells.size(); ++c)
+            text += c + 1 < cells.size() ? fmt::format("{:<{}}  ", cells[c], widths[c]) : cells[c];
+        out += text + "\n";
+    };
+    line(headers);
+    for (const auto& row : rows) line(row);
+    return out;
+}
+
+std::optional<uint32_t> FirstClock(const DeviceReport& device, const std::string& ip) {
+    if (device.dies.empty() || !device.dies.front().clocks) return std::nullopt;
+    for (const ClockReading& clock : *device.dies.front().clocks)
+        if (clock.ip == ip && clock.mhz && !clock.mhz->empty()) return clock.mhz->front();
+    return std::nullopt;
+}
+
+std::string RoleText(const DeviceReport& device) {
+    switch (device.role) {
+        case DeviceRole::PhysicalFunction: return fmt::format("PF ({} VFs)", device.virtualFunctions.size());
+        case DeviceRole::VirtualFunction: return "virtual";
+        case DeviceRole::Physical: break;
+    }
+    return "physical";
+}
+
+std::string FanText(const DeviceReport& device) {
+    return device.fanRpm ? fmt::format("{} RPM", *device.fanRpm) : kNotAvailable;
+}
+
+std::string LimitedSection(const Snapshot& snapshot) {
+    if (snapshot.limitedDevices.empty()) return "Limited devices: none\n";
+    std::vector<std::vector<std::string>> rows;
+    for (const LimitedDeviceReport& d : snapshot.limitedDevices)
+        rows.push_back({std::to_string(d.index), d.busId, fmt::format("{:#06x}", d.vendorId),
+                        fmt::format("{:#06x}", d.deviceId), d.isVirtualFunction ? "yes" : "no",
+                        std::to_string(d.reason), d.reasonText});
+    return "Limited devices (found, cannot be used):\n" +
+           FormatTable({"IDX", "BUS ID", "VENDOR", "DEVICE", "VF", "REASON", "REASON TEXT"}, rows);
+}
+
+// Label/value lines of the detail view, indented by nesting depth.
+class DetailWriter {
+public:
+    void Field(int depth, const std::string& label, const std::string& value) {
+        const int width = std::max(1, 22 - 2 * depth);
+        m_out += fmt::format("{:{}}{:<{}} {}\n", "", 2 * depth, label, width, value);
+    }
+    void Heading(int depth, const std::string& text) { m_out += fmt::format("{:{}}{}\n", "", 2 * depth, text); }
+    void Rows(int depth, const std::string& title, const std::optional<ReadingRows>& rows) {
+        if (!rows) return Field(depth, title, kNotAvailable);
+        if (rows->empty()) return Field(depth, title, "(no rows)");
+        Heading(depth, title);
+        for (size_t r = 0; r < rows->size(); ++r)
+            Field(depth + 1, fmt::format("row {}", r), fmt::format("{}", fmt::join((*rows)[r], " ")));
+    }
+    std::string Take() { return std::move(m_out); }
+
+private:
+    std::string m_out;
+};
+
+void WriteDie(DetailWriter& w, const DieReport& die) {
+    w.Heading(1, fmt::format("Die {}", die.die));
+    w.Field(2, "Throttle reasons", HexOrNa(die.throttleMask));
+    if (die.clocks) {
+        w.Heading(2, "Clocks (MHz)");
+        for (const ClockReading& clock : *die.clocks) w.Field(3, clock.ip, JoinOrNa(clock.mhz));
+    } else {
+        w.Field(2, "Clocks (MHz)", kNotAvailable);
+    }
+    if (die.temperatures) {
+        w.Heading(2, "Temperatures (C)");
+        for (const TemperatureReading& t : *die.temperatures) w.Field(3, t.name, OrNa(t.celsius));
+        w.Field(3, "hottest sensor", OrNa(die.hottestSensorIndex));
+    } else {
+        w.Field(2, "Temperatures (C)", kNotAvailable);
+    }
+    w.Rows(2, "Sensor table (C)", die.sensorTableC);
+    w.Rows(2, "Voltage monitor (raw)", die.voltageMonitorRaw);
+}
+
+void WriteDevice(DetailWriter& w, const DeviceReport& device) {
+    w.Heading(0, fmt::format("Device {}  {}", device.index, device.name));
+    w.Field(1, "Bus id", device.busId);
+    w.Field(1, "UUID", device.uuid.empty() ? kNotAvailable : device.uuid);
+    w.Field(1, "Brand", BrandName(device.brand));
+    std::string role = RoleText(device);
+    if (!device.virtualFunctions.empty()) role += fmt::format(": {}", fmt::join(device.virtualFunctions, ", "));
+    if (device.physicalFunction) role += fmt::format(" (PF {})", *device.physicalFunction);
+    w.Field(1, "Role", role);
+    w.Field(1, "Dies", OrNa(device.dieCount));
+    w.Field(1, "Hot spot", OrNa(device.hotspotC, " C"));
+    w.Field(1, "Fan", device.fanRpm ? fmt::format("{} RPM, duty {}", *device.fanRpm, OrNa(device.fanDuty))
+                                    : kNotAvailable);
+    w.Field(1, "Throttle reasons", HexOrNa(device.throttleMask));
+    for (const DieReport& die : device.dies) WriteDie(w, die);
+}
+
+void WriteLimitedDevice(DetailWriter& w, const LimitedDeviceReport& d) {
+    w.Heading(0, fmt::format("Device {}  (limited: found, cannot be used)", d.index));
+    w.Field(1, "Bus id", d.busId);
+    w.Field(1, "Vendor id", fmt::format("{:#06x}", d.vendorId));
+    w.Field(1, "Device id", fmt::format("{:#06x}", d.deviceId));
+    w.Field(1, "Virtual function", d.isVirtualFunction ? "yes" : "no");
+    w.Field(1, "Unavailable reason", fmt::format("{} {}", d.reason, d.reasonText));
+}
+
+}  // namespace
+
+std::string RenderSummary(const Snapshot& snapshot) {
+    std::string out;
+    if (snapshot.devices.empty()) {
+        out += "Devices: none usable\n";
+    } else {
+        std::vector<std::vector<std::string>> rows;
+        for (const DeviceReport& d : snapshot.devices)
+            rows.push_back({std::to_string(d.index), d.name, d.busId, OrNa(d.dieCount), RoleText(d),
+                            OrNa(d.hotspotC, " C"), FanText(d), OrNa(FirstClock(d, "xcore")),
+                            OrNa(FirstClock(d, "soc")), OrNa(FirstClock(d, "mc")), HexOrNa(d.throttleMask)});
+        out += FormatTable({"IDX", "NAME", "BUS ID", "DIES", "ROLE", "HOTSPOT", "FAN", "XCORE MHZ", "SOC MHZ",
+                            "MC MHZ", "THROTTLE"},
+                           rows);
+    }
+    out += "\n" + LimitedSection(snapshot);
+    return out;
+}
+
+std::string RenderDetail(const Snapshot& snapshot) {
+    DetailWriter writer;
+    for (const DeviceReport& device : snapshot.devices) WriteDevice(writer, device);
+    for (const LimitedDeviceReport& limited : snapshot.limitedDevices) WriteLimitedDevice(writer, limited);
+    return writer.Take();
+}
+
+}  // namespace dksmi
