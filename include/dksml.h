@@ -351,6 +351,937 @@ DKSML_API DkSmlReturn dkSmlGetFanSpeedInfo(uint32_t deviceIndex, uint32_t *rpm, 
 /* Remaining records and functions of both families follow.                  */
 /* ======================================================================== */
 
+/* ------------------------------------------------------------------------ */
+/* Device links and UUIDs                                                    */
+/* ------------------------------------------------------------------------ */
+
+/** UUIDs of the two ends of one interconnect link. */
+typedef struct DkSmlUuidPair {
+    char localUuid[DK_SML_UUID_LENGTH];
+    char remoteUuid[DK_SML_UUID_LENGTH];
+} DkSmlUuidPair;
+
+/** UUIDs of a device and of the first peer its interconnect reaches. */
+DKSML_API DkSmlReturn dkSmlGetLocalAndRemoteUuid(uint32_t deviceIndex, DkSmlUuidPair *pair);
+/** UUIDs of a device and of every interconnect peer; count in/out. */
+DKSML_API DkSmlReturn dkSmlGetLocalAndMultipleRemoteUuid(uint32_t deviceIndex, uint32_t *count,
+                                                         DkSmlUuidPair *pairs);
+
+/* ------------------------------------------------------------------------ */
+/* Processes                                                                 */
+/* ------------------------------------------------------------------------ */
+
+#define DK_SML_PROCESS_NAME_LENGTH 64
+#define DK_SML_PROCESS_MAX_GPUS 64
+#define DK_SML_ALL_GPUS 0xFFFFFFFFu     /* driver GPU id filter: every GPU  */
+
+/** One (GPU, memory domain) pair used by a process. */
+typedef struct DkSmlProcessGpuInfo {
+    char bdf[DK_SML_BDF_LENGTH];
+    uint32_t deviceId;          /* the library's device index              */
+    uint64_t memoryUsed;        /* as the driver's "vram_" file states it  */
+} DkSmlProcessGpuInfo;
+
+typedef struct DkSmlProcessGpuInfo_v2 {
+    char bdf[DK_SML_BDF_LENGTH];
+    uint32_t deviceId;
+    uint64_t memoryUsed;
+    uint32_t vramTag;           /* upper 16 bits of the "vram_" number     */
+} DkSmlProcessGpuInfo_v2;
+
+typedef struct DkSmlProcessGpuInfo_v3 {
+    char bdf[DK_SML_BDF_LENGTH];
+    uint32_t deviceId;
+    uint64_t memoryUsed;
+    uint32_t vramTag;
+    int32_t sgpuId;             /* slice GPU id, -1 when not a slice       */
+} DkSmlProcessGpuInfo_v3;
+
+/** A process using GPUs. processName is not terminated when 64 long. */
+typedef struct DkSmlProcessInfo {
+    uint32_t pid;
+    char processName[DK_SML_PROCESS_NAME_LENGTH];
+    uint32_t gpuCount;
+    DkSmlProcessGpuInfo gpuInfo[DK_SML_PROCESS_MAX_GPUS];
+} DkSmlProcessInfo;
+
+typedef struct DkSmlProcessInfo_v2 {
+    uint32_t pid;
+    char processName[DK_SML_PROCESS_NAME_LENGTH];
+    uint32_t gpuCount;
+    DkSmlProcessGpuInfo_v2 gpuInfo[DK_SML_PROCESS_MAX_GPUS];
+} DkSmlProcessInfo_v2;
+
+typedef struct DkSmlProcessInfo_v3 {
+    uint32_t pid;
+    char processName[DK_SML_PROCESS_NAME_LENGTH];
+    uint32_t gpuCount;
+    DkSmlProcessGpuInfo_v3 gpuInfo[DK_SML_PROCESS_MAX_GPUS];
+} DkSmlProcessInfo_v3;
+
+/** Number of processes using any GPU. */
+DKSML_API DkSmlReturn dkSmlGetNumberOfProcess(uint32_t *count);
+/** Processes using any GPU, at most capacity records. */
+DKSML_API DkSmlReturn dkSmlGetProcessInfo(uint32_t capacity, DkSmlProcessInfo *infos);
+/** As dkSmlGetProcessInfo, with the memory-domain tag. */
+DKSML_API DkSmlReturn dkSmlGetProcessInfo_v2(uint32_t capacity, DkSmlProcessInfo_v2 *infos);
+/** As dkSmlGetProcessInfo_v2, with the slice GPU id. */
+DKSML_API DkSmlReturn dkSmlGetProcessInfo_v3(uint32_t capacity, DkSmlProcessInfo_v3 *infos);
+/** Processes using one device; count is capacity in, number found out. */
+DKSML_API DkSmlReturn dkSmlGetSingleGpuProcess(uint32_t deviceIndex, uint32_t *count,
+                                               DkSmlProcessInfo *infos);
+/** As dkSmlGetSingleGpuProcess, version 2 records. */
+DKSML_API DkSmlReturn dkSmlGetSingleGpuProcess_v2(uint32_t deviceIndex, uint32_t *count,
+                                                  DkSmlProcessInfo_v2 *infos);
+/** As dkSmlGetSingleGpuProcess, version 3 records; serves slice parents too. */
+DKSML_API DkSmlReturn dkSmlGetSingleGpuProcess_v3(uint32_t deviceIndex, uint32_t *count,
+                                                  DkSmlProcessInfo_v3 *infos);
+
+/* ------------------------------------------------------------------------ */
+/* Slice GPU partitions                                                      */
+/* ------------------------------------------------------------------------ */
+
+#define DK_SML_MAX_SGPU 16
+
+/** Scheduling class of the slice scheduler: the driver's numbers. */
+typedef uint32_t DkSmlSchedClass;
+
+typedef struct DkSmlSgpuAvailableQuota {
+    uint32_t totalVramQuota;
+    uint32_t availableVramQuota;
+    uint32_t availableComputeQuota;
+} DkSmlSgpuAvailableQuota;
+
+typedef struct DkSmlSgpuInfo {
+    uint32_t sgpuId;
+    uint32_t nodeId;
+    uint32_t vramQuota;
+    uint32_t computeQuota;
+    uint32_t schedPriority;
+    uint32_t minor;
+    uint32_t online;
+    char uuid[DK_SML_UUID_LENGTH];
+} DkSmlSgpuInfo;
+
+/** The three numbers of a slice's "meminfo", in the driver's order. */
+typedef struct DkSmlSgpuMemoryInfo {
+    uint64_t values[3];
+} DkSmlSgpuMemoryInfo;
+
+/** Slice mode: 1 when the device is divided into slices, else 0. */
+DKSML_API DkSmlReturn dkSmlGetSgpuToggle(uint32_t deviceIndex, uint32_t *on);
+/** Switches slice mode on (non-zero) or off. */
+DKSML_API DkSmlReturn dkSmlSetSgpuToggle(uint32_t deviceIndex, uint32_t on);
+/** Creates a slice with the given quotas; its id is returned. */
+DKSML_API DkSmlReturn dkSmlCreateSgpu(uint32_t deviceIndex, uint32_t vramQuota, uint32_t computeQuota,
+                                      uint32_t *sgpuId);
+/** Removes a slice. */
+DKSML_API DkSmlReturn dkSmlRemoveSgpu(uint32_t deviceIndex, uint32_t sgpuId);
+/** Number of slices (a count; 0 for an unknown device). */
+DKSML_API uint32_t dkSmlGetSgpuCount(uint32_t deviceIndex);
+/** Identity and quotas of one slice. */
+DKSML_API DkSmlReturn dkSmlGetSgpuInfo(uint32_t deviceIndex, uint32_t sgpuId, DkSmlSgpuInfo *info);
+/** Sets a slice's device-queue priority. */
+DKSML_API DkSmlReturn dkSmlSetSgpuDeviceQueuePriority(uint32_t deviceIndex, uint32_t sgpuId,
+                                                      uint32_t priority);
+/** Active state of a slice's layout node. */
+DKSML_API DkSmlReturn dkSmlGetSgpuState(uint32_t deviceIndex, uint32_t sgpuId, int32_t *state);
+/** Sets a slice's video-memory quota. */
+DKSML_API DkSmlReturn dkSmlSetSgpuVramQuota(uint32_t deviceIndex, uint32_t sgpuId, uint32_t quota);
+/** Sets a slice's compute quota. */
+DKSML_API DkSmlReturn dkSmlSetSgpuComputeQuota(uint32_t deviceIndex, uint32_t sgpuId, uint32_t quota);
+/** Quotas still free on the device. */
+DKSML_API DkSmlReturn dkSmlGetSgpuAvailableQuota(uint32_t deviceIndex, DkSmlSgpuAvailableQuota *quota);
+/** Utilisation of a slice in percent. */
+DKSML_API DkSmlReturn dkSmlGetSgpuUsage(uint32_t deviceIndex, uint32_t sgpuId, int32_t *usage);
+/** Memory figures of a slice. */
+DKSML_API DkSmlReturn dkSmlGetSgpuMemory(uint32_t deviceIndex, uint32_t sgpuId, DkSmlSgpuMemoryInfo *memory);
+/** Time slice of the device's slice scheduler. */
+DKSML_API DkSmlReturn dkSmlGetDeviceTimeslice(uint32_t deviceIndex, uint32_t *timeslice);
+/** Sets the time slice of the device's slice scheduler. */
+DKSML_API DkSmlReturn dkSmlSetDeviceTimeslice(uint32_t deviceIndex, uint32_t timeslice);
+/** Scheduling class of the device's slice scheduler. */
+DKSML_API DkSmlReturn dkSmlGetDeviceSchedClass(uint32_t deviceIndex, DkSmlSchedClass *schedClass);
+/** Sets the scheduling class of the device's slice scheduler. */
+DKSML_API DkSmlReturn dkSmlSetDeviceSchedClass(uint32_t deviceIndex, DkSmlSchedClass schedClass);
+/** Alias text of a slice (text rule). */
+DKSML_API DkSmlReturn dkSmlGetSgpuAlias(uint32_t deviceIndex, uint32_t sgpuId, char *alias, uint32_t *size);
+/** Sets the alias text of a slice. */
+DKSML_API DkSmlReturn dkSmlSetSgpuAlias(uint32_t deviceIndex, uint32_t sgpuId, const char *alias);
+/** Annotation id of a slice (text rule). */
+DKSML_API DkSmlReturn dkSmlGetSgpuAnnotationsId(uint32_t deviceIndex, uint32_t sgpuId, char *id,
+                                                uint32_t *size);
+
+/* ------------------------------------------------------------------------ */
+/* Topology and affinity                                                     */
+/* ------------------------------------------------------------------------ */
+
+typedef enum DkSmlGpuTopologyLevel {
+    DK_SML_TOPOLOGY_SAME_DEVICE = 0,
+    DK_SML_TOPOLOGY_SINGLE_SWITCH = 1,
+    DK_SML_TOPOLOGY_MULTIPLE_SWITCHES = 2,
+    DK_SML_TOPOLOGY_HOST_BRIDGE = 3,
+    DK_SML_TOPOLOGY_NUMA_NODE = 4,
+    DK_SML_TOPOLOGY_DRAVIK_LINK = 5,
+    DK_SML_TOPOLOGY_SYSTEM = 6,
+    DK_SML_TOPOLOGY_DRAVIK_LINK2 = 7,
+    DK_SML_TOPOLOGY_UNKNOWN = 8
+} DkSmlGpuTopologyLevel;
+
+#define DK_SML_DISTANCE_UNREACHABLE 9999u
+
+/** What sits at the far end of one interconnect link. */
+typedef struct DkSmlDravikLinkRemoteInfo {
+    uint32_t remoteDeviceIndex;
+    uint32_t remoteDeviceType;          /* DkSmlExDravikLinkDeviceType    */
+    char remoteBdfId[DK_SML_BDF_LENGTH];
+} DkSmlDravikLinkRemoteInfo;
+
+/** Topology level between two devices. */
+DKSML_API DkSmlReturn dkSmlGetDeviceTopology(uint32_t deviceIndex1, uint32_t deviceIndex2,
+                                             DkSmlGpuTopologyLevel *level);
+/** Link distance between two devices; 1 (value still written) when unreachable. */
+DKSML_API DkSmlReturn dkSmlGetDeviceDistance(uint32_t deviceIndex1, uint32_t deviceIndex2,
+                                             uint32_t *distance);
+/** Bit mask of the device's local CPUs in cpuSetSize 32-bit words. */
+DKSML_API DkSmlReturn dkSmlGetCpuAffinity(uint32_t deviceIndex, uint32_t cpuSetSize, uint32_t *cpuSet);
+/** Pins the calling thread to the device's local CPUs. */
+DKSML_API DkSmlReturn dkSmlSetCpuAffinity(uint32_t deviceIndex);
+/** Lets the calling thread run on every CPU again. */
+DKSML_API DkSmlReturn dkSmlClearCpuAffinity(uint32_t deviceIndex);
+/** Bit mask of the device's local NUMA nodes in nodeSetSize 32-bit words. */
+DKSML_API DkSmlReturn dkSmlGetNodeAffinity(uint32_t deviceIndex, uint32_t nodeSetSize, uint32_t *nodeSet);
+/** The far end of one interconnect link of a device. */
+DKSML_API DkSmlReturn dkSmlGetDravikLinkRemoteInfo(uint32_t deviceIndex, uint32_t link,
+                                                   DkSmlDravikLinkRemoteInfo *info);
+
+/* ------------------------------------------------------------------------ */
+/* Power                                                                     */
+/* ------------------------------------------------------------------------ */
+
+typedef enum DkSmlPmbusUnit {
+    DK_SML_PMBUS_UNIT_SOC = 0,
+    DK_SML_PMBUS_UNIT_CORE = 1,
+    DK_SML_PMBUS_UNIT_HBM = 2,
+    DK_SML_PMBUS_UNIT_PCIE = 3,
+    DK_SML_PMBUS_UNIT_HBM2 = 4,
+    DK_SML_PMBUS_UNIT_PCIE2 = 5
+} DkSmlPmbusUnit;
+
+/** PMBus readings of one power unit, in the driver's units. */
+typedef struct DkSmlPmbusInfo {
+    uint32_t voltage;
+    uint32_t current;
+    uint32_t power;
+} DkSmlPmbusInfo;
+
+/** Readings of one power way (input connector), in the driver's order. */
+typedef struct DkSmlBoardWayElectricInfo {
+    uint32_t values[3];
+} DkSmlBoardWayElectricInfo;
+
+/** Board power limit information ("config_tbp"); values[0] is the limit. */
+typedef struct DkSmlBoardPowerLimitInfo {
+    uint32_t values[4];
+} DkSmlBoardPowerLimitInfo;
+
+typedef enum DkSmlPciPowerState {
+    DK_SML_PCI_POWER_STATE_D0 = 0,
+    DK_SML_PCI_POWER_STATE_D3HOT = 1,
+    DK_SML_PCI_POWER_STATE_D3COLD = 2
+} DkSmlPciPowerState;
+
+/** DPM domain (also the IP of the per-IP power states). */
+typedef enum DkSmlDpmIp {
+    DK_SML_DPM_IP_DLA = 0,
+    DK_SML_DPM_IP_XCORE = 1,
+    DK_SML_DPM_IP_MC = 2,
+    DK_SML_DPM_IP_SOC = 3,
+    DK_SML_DPM_IP_DNOC = 4,
+    DK_SML_DPM_IP_VPUE = 5,
+    DK_SML_DPM_IP_VPUD = 6,
+    DK_SML_DPM_IP_HBM = 7,
+    DK_SML_DPM_IP_G2D = 8,
+    DK_SML_DPM_IP_HBMPOWER = 9,
+    DK_SML_DPM_IP_CCX = 10,
+    DK_SML_DPM_IP_NPU = 11,
+    DK_SML_DPM_IP_DMA = 12,
+    DK_SML_DPM_IP_CSC = 13,
+    DK_SML_DPM_IP_ETH = 14
+} DkSmlDpmIp;
+
+#define DK_SML_DPM_IP_COUNT 15
+
+/** PMBus readings of a unit from the first die that has it. */
+DKSML_API DkSmlReturn dkSmlGetPmbusInfo(uint32_t deviceIndex, DkSmlPmbusUnit unit, DkSmlPmbusInfo *info);
+/** PMBus readings of a unit on one die. */
+DKSML_API DkSmlReturn dkSmlGetDiePmbusInfo(uint32_t deviceIndex, uint32_t dieId, DkSmlPmbusUnit unit,
+                                           DkSmlPmbusInfo *info);
+/** Per-way board readings; count in/out. */
+DKSML_API DkSmlReturn dkSmlGetBoardPowerInfo(uint32_t deviceIndex, uint32_t *count,
+                                             DkSmlBoardWayElectricInfo *ways);
+/** Board power limit. */
+DKSML_API DkSmlReturn dkSmlGetBoardPowerLimit(uint32_t deviceIndex, uint32_t *limit);
+/** Power state of every instance of an IP on die 0; count in/out. */
+DKSML_API DkSmlReturn dkSmlGetPowerStateInfo(uint32_t deviceIndex, DkSmlDpmIp ip, int32_t *states,
+                                             uint32_t *count);
+/** Power state of every instance of an IP on one die; count in/out. */
+DKSML_API DkSmlReturn dkSmlGetDiePowerStateInfo(uint32_t deviceIndex, uint32_t dieId, DkSmlDpmIp ip,
+                                                int32_t *states, uint32_t *count);
+/** PCI power state; also answers for limited devices. */
+DKSML_API DkSmlReturn dkSmlGetPciPowerState(uint32_t deviceIndex, DkSmlPciPowerState *state);
+
+/* ------------------------------------------------------------------------ */
+/* DPM performance levels                                                    */
+/* ------------------------------------------------------------------------ */
+
+#define DK_SML_DPM_MAX_LEVELS 16
+
+/** Values of every performance level of one domain (MHz or mV). */
+typedef struct DkSmlDpmPerfLevel {
+    uint32_t count;
+    uint32_t values[DK_SML_DPM_MAX_LEVELS];
+} DkSmlDpmPerfLevel;
+
+/** One level per domain, indexed by DkSmlDpmIp. */
+typedef struct DkSmlDpmForAll {
+    uint32_t level[DK_SML_DPM_IP_COUNT];
+} DkSmlDpmForAll;
+
+/** Maximum level in force and the number of levels of every domain. */
+typedef struct DkSmlDpmMaxForAll {
+    uint32_t maxLevel[DK_SML_DPM_IP_COUNT];
+    uint32_t levelCount[DK_SML_DPM_IP_COUNT];
+} DkSmlDpmMaxForAll;
+
+/** DPM sampling interval of every domain. */
+typedef struct DkSmlDpmInterval {
+    uint16_t interval[DK_SML_DPM_IP_COUNT];
+} DkSmlDpmInterval;
+
+/** Time spent at each level, per domain. */
+typedef struct DkSmlDpmCounterForAll {
+    uint64_t counter[DK_SML_DPM_IP_COUNT][DK_SML_DPM_MAX_LEVELS];
+} DkSmlDpmCounterForAll;
+
+/** Clock and voltage of every level of every domain. */
+typedef struct DkSmlDpmInfoForAll {
+    DkSmlDpmPerfLevel clock[DK_SML_DPM_IP_COUNT];
+    DkSmlDpmPerfLevel voltage[DK_SML_DPM_IP_COUNT];
+} DkSmlDpmInfoForAll;
+
+/** Clock of every level of a domain. */
+DKSML_API DkSmlReturn dkSmlGetDpmIpClockInfo(uint32_t deviceIndex, DkSmlDpmIp ip, DkSmlDpmPerfLevel *levels);
+/** Voltage of every level of a domain. */
+DKSML_API DkSmlReturn dkSmlGetDpmIpVddInfo(uint32_t deviceIndex, DkSmlDpmIp ip, DkSmlDpmPerfLevel *levels);
+/** Current performance level of a domain. */
+DKSML_API DkSmlReturn dkSmlGetCurrentDpmIpPerfLevel(uint32_t deviceIndex, DkSmlDpmIp ip, uint32_t *level);
+/** Current performance level of a domain on one die. */
+DKSML_API DkSmlReturn dkSmlGetCurrentDieDpmIpPerfLevel(uint32_t deviceIndex, uint32_t dieId, DkSmlDpmIp ip,
+                                                       uint32_t *level);
+/** Maximum performance level of every domain. */
+DKSML_API DkSmlReturn dkSmlGetDpmMaxPerfLevel(uint32_t deviceIndex, DkSmlDpmForAll *levels);
+/** Maximum performance level of a domain (from 0). */
+DKSML_API DkSmlReturn dkSmlGetDpmIpMaxPerfLevel(uint32_t deviceIndex, DkSmlDpmIp ip, uint32_t *level);
+/** Maximum performance level of a domain on one die. */
+DKSML_API DkSmlReturn dkSmlGetDieDpmIpMaxPerfLevel(uint32_t deviceIndex, uint32_t dieId, DkSmlDpmIp ip,
+                                                   uint32_t *level);
+/** Limits a domain to a maximum performance level. */
+DKSML_API DkSmlReturn dkSmlSetDpmIpMaxPerfLevel(uint32_t deviceIndex, DkSmlDpmIp ip, uint32_t level);
+
+/* ------------------------------------------------------------------------ */
+/* Utilisation and memory                                                    */
+/* ------------------------------------------------------------------------ */
+
+typedef enum DkSmlUsageIp {
+    DK_SML_USAGE_IP_DLA = 0,
+    DK_SML_USAGE_IP_VPUE = 1,
+    DK_SML_USAGE_IP_VPUD = 2,
+    DK_SML_USAGE_IP_G2D = 3,
+    DK_SML_USAGE_IP_XCORE = 4
+} DkSmlUsageIp;
+
+#define DK_SML_MEMORY_POOLS 3
+
+/** Total and used size of one memory pool in KiB. */
+typedef struct DkSmlMemoryPool {
+    uint64_t total;
+    uint64_t used;
+} DkSmlMemoryPool;
+
+/** Memory of a die or device; pool 0 is the device memory. */
+typedef struct DkSmlMemoryInfo {
+    DkSmlMemoryPool pool[DK_SML_MEMORY_POOLS];
+} DkSmlMemoryInfo;
+
+/** Memory totals and use of a device. */
+DKSML_API DkSmlReturn dkSmlGetMemoryInfo(uint32_t deviceIndex, DkSmlMemoryInfo *info);
+/** Memory totals and use of one die. */
+DKSML_API DkSmlReturn dkSmlGetDieMemoryInfo(uint32_t deviceIndex, uint32_t dieId, DkSmlMemoryInfo *info);
+/** Average usage of an engine type over the dies, in percent. */
+DKSML_API DkSmlReturn dkSmlGetDeviceIpUsage(uint32_t deviceIndex, DkSmlUsageIp ip, int32_t *usage);
+/** Usage of an engine type on one die, in percent. */
+DKSML_API DkSmlReturn dkSmlGetDieIpUsage(uint32_t deviceIndex, uint32_t dieId, DkSmlUsageIp ip,
+                                         int32_t *usage);
+/** Per-AP usage of die 0; dpcCount and apCount are capacities in, sizes out. */
+DKSML_API DkSmlReturn dkSmlGetXcoreApUsage(uint32_t deviceIndex, uint32_t *usage, uint32_t *dpcCount,
+                                           uint32_t *apCount);
+/** Per-AP usage of one die. */
+DKSML_API DkSmlReturn dkSmlGetDieXcoreApUsage(uint32_t deviceIndex, uint32_t dieId, uint32_t *usage,
+                                              uint32_t *dpcCount, uint32_t *apCount);
+/** AP usage sampling switch of die 0. */
+DKSML_API DkSmlReturn dkSmlGetApUsageToggle(uint32_t deviceIndex, uint32_t *state);
+/** AP usage sampling switch of one die. */
+DKSML_API DkSmlReturn dkSmlGetDieApUsageToggle(uint32_t deviceIndex, uint32_t dieId, uint32_t *state);
+/** Turns AP usage sampling on (non-zero) or off on every die. */
+DKSML_API DkSmlReturn dkSmlSetApUsageToggle(uint32_t deviceIndex, int32_t state);
+/** Turns AP usage sampling on (non-zero) or off on one die. */
+DKSML_API DkSmlReturn dkSmlSetDieApUsageToggle(uint32_t deviceIndex, uint32_t dieId, int32_t state);
+
+/* ------------------------------------------------------------------------ */
+/* EEPROM and fuses                                                          */
+/* ------------------------------------------------------------------------ */
+
+#define DK_SML_SERIAL_LENGTH 32
+
+/** EEPROM content as "Key:value;" pairs (text rule). */
+DKSML_API DkSmlReturn dkSmlGetEepromInfo(uint32_t deviceIndex, char *info, uint32_t *size);
+/** Board serial number (text rule). */
+DKSML_API DkSmlReturn dkSmlGetBoardSerial(uint32_t deviceIndex, char *serial, uint32_t *size);
+/** Chip serial number from the fuses (text rule); also for limited devices. */
+DKSML_API DkSmlReturn dkSmlGetChipSerial(uint32_t deviceIndex, char *serial, uint32_t *size);
+
+/* ------------------------------------------------------------------------ */
+/* Versions                                                                  */
+/* ------------------------------------------------------------------------ */
+
+#define DK_SML_VERSION_LENGTH 64
+
+/** Version kind of dkSmlGetDeviceVersion; 2 and up are firmware units. */
+typedef enum DkSmlVersionUnit {
+    DK_SML_VERSION_VBIOS = 0,
+    DK_SML_VERSION_DRIVER = 1,
+    DK_SML_VERSION_FW_SMP0 = 2,
+    DK_SML_VERSION_FW_SMP1 = 3,
+    DK_SML_VERSION_FW_CCX0 = 4,
+    DK_SML_VERSION_FW_CCX1 = 5,
+    DK_SML_VERSION_FW_CCX2 = 6,
+    DK_SML_VERSION_FW_CCX3 = 7,
+    DK_SML_VERSION_FW_MCU = 8,
+    DK_SML_VERSION_FW_VR0 = 9,
+    DK_SML_VERSION_FW_VR1 = 10
+} DkSmlVersionUnit;
+
+typedef struct DkSmlFwVersion {
+    char smp0[DK_SML_VERSION_LENGTH];
+    char smp1[DK_SML_VERSION_LENGTH];
+    char ccx0[DK_SML_VERSION_LENGTH];
+    char ccx1[DK_SML_VERSION_LENGTH];
+    char ccx2[DK_SML_VERSION_LENGTH];
+    char ccx3[DK_SML_VERSION_LENGTH];
+    char mcu[DK_SML_VERSION_LENGTH];
+    char vr0[DK_SML_VERSION_LENGTH];
+    char vr1[DK_SML_VERSION_LENGTH];
+} DkSmlFwVersion;
+
+typedef struct DkSmlVersion {
+    char vbiosVersion[DK_SML_VERSION_LENGTH];
+    char driverVersion[DK_SML_VERSION_LENGTH];
+    char vornVersion[DK_SML_VERSION_LENGTH];   /* compute stack          */
+    DkSmlFwVersion fwVersion;
+} DkSmlVersion;
+
+/** One version text of a device (text rule); limited devices: kind 0 only. */
+DKSML_API DkSmlReturn dkSmlGetDeviceVersion(uint32_t deviceIndex, DkSmlVersionUnit unit, char *version,
+                                            uint32_t *size);
+/** Every version text of one die. */
+DKSML_API DkSmlReturn dkSmlGetDeviceDieVersion(uint32_t deviceIndex, uint32_t dieId, DkSmlVersion *version);
+/** Version of the installed compute stack (text rule). */
+DKSML_API DkSmlReturn dkSmlGetVornVersion(char *version, uint32_t *size);
+/** Version of the power-play table (text rule). */
+DKSML_API DkSmlReturn dkSmlGetPptableVersion(uint32_t deviceIndex, char *version, uint32_t *size);
+
+/* ------------------------------------------------------------------------ */
+/* RAS and ECC                                                               */
+/* ------------------------------------------------------------------------ */
+
+#define DK_SML_RAS_MAX_STATUS 32
+
+/** Error counts of one hardware block (block chosen by the caller). */
+typedef struct DkSmlRasErrorData {
+    uint32_t block;
+    uint64_t correctable;
+    uint64_t uncorrectable;
+} DkSmlRasErrorData;
+
+/** As DkSmlRasErrorData, with deferred errors. */
+typedef struct DkSmlRasErrorData_v2 {
+    uint32_t block;
+    uint64_t correctable;
+    uint64_t uncorrectable;
+    uint64_t deferred;
+} DkSmlRasErrorData_v2;
+
+/** Total ECC error counts of a device. */
+typedef struct DkSmlEccErrorCount {
+    uint64_t correctable;
+    uint64_t uncorrectable;
+} DkSmlEccErrorCount;
+
+/** Error counts of the block named in data->block. */
+DKSML_API DkSmlReturn dkSmlGetRasErrorData(uint32_t deviceIndex, DkSmlRasErrorData *data);
+/** Error counts of the block named in data->block on one die. */
+DKSML_API DkSmlReturn dkSmlGetRasErrorData_v2(uint32_t deviceIndex, uint32_t dieId, DkSmlRasErrorData_v2 *data);
+/** RAS status word of every block; count in/out. */
+DKSML_API DkSmlReturn dkSmlGetRasStatusData(uint32_t deviceIndex, uint32_t *count, uint32_t *status);
+/** ECC mode: 1 enabled, 0 disabled. */
+DKSML_API DkSmlReturn dkSmlGetEccState(uint32_t deviceIndex, uint32_t *state);
+/** Enables (non-zero) or disables ECC. */
+DKSML_API DkSmlReturn dkSmlSetEccState(uint32_t deviceIndex, uint32_t state);
+/** Total ECC error counts. */
+DKSML_API DkSmlReturn dkSmlGetTotalEccErrors(uint32_t deviceIndex, DkSmlEccErrorCount *errors);
+
+/* ------------------------------------------------------------------------ */
+/* PCIe                                                                      */
+/* ------------------------------------------------------------------------ */
+
+typedef struct DkSmlPcieInfo {
+    float speed;                /* GT/s */
+    uint32_t width;             /* lanes */
+} DkSmlPcieInfo;
+
+/** Upstream bandwidth counters, in the driver's order. */
+typedef struct DkSmlPcieBandwidth {
+    uint32_t counters[6];
+} DkSmlPcieBandwidth;
+
+typedef struct DkSmlPcieThroughput {
+    uint32_t tx;
+    uint32_t rx;
+} DkSmlPcieThroughput;
+
+typedef enum DkSmlPciGen {
+    DK_SML_PCI_GEN1 = 1,
+    DK_SML_PCI_GEN2 = 2,
+    DK_SML_PCI_GEN3 = 3,
+    DK_SML_PCI_GEN4 = 4,
+    DK_SML_PCI_GEN5 = 5
+} DkSmlPciGen;
+
+/** Current PCIe link speed and width. */
+DKSML_API DkSmlReturn dkSmlGetPcieInfo(uint32_t deviceIndex, DkSmlPcieInfo *info);
+/** Best link the device and its slot can carry. */
+DKSML_API DkSmlReturn dkSmlGetPcieMaxLinkInfo(uint32_t deviceIndex, DkSmlPcieInfo *info);
+/** PCIe throughput counters. */
+DKSML_API DkSmlReturn dkSmlGetPcieThroughput(uint32_t deviceIndex, DkSmlPcieThroughput *throughput);
+/** Forces the PCIe generation (not above the link's maximum). */
+DKSML_API DkSmlReturn dkSmlSetPciSpeed(uint32_t deviceIndex, DkSmlPciGen generation);
+/** PCI delay of the driver. */
+DKSML_API DkSmlReturn dkSmlGetPciDelay(uint32_t deviceIndex, uint32_t *delay);
+/** Sets the PCI delay of the driver (1 to 10000). */
+DKSML_API DkSmlReturn dkSmlSetPciDelay(uint32_t deviceIndex, uint32_t delay);
+/** Physical slot number from the firmware's tables. */
+DKSML_API DkSmlReturn dkSmlGetDeviceSlot(uint32_t deviceIndex, uint32_t *slot);
+/** MMIO state of the PCI function. */
+DKSML_API DkSmlReturn dkSmlGetPciMmioState(uint32_t deviceIndex, uint32_t *state);
+/** PCI error events as "Key:value;" pairs (text rule). */
+DKSML_API DkSmlReturn dkSmlGetPciEventInfo(uint32_t deviceIndex, char *info, uint32_t *size);
+
+/* ------------------------------------------------------------------------ */
+/* Video units, bandwidth, Ethernet and optical modules                      */
+/* ------------------------------------------------------------------------ */
+
+/** Read and write bandwidth of one channel or engine. */
+typedef struct DkSmlBandwidthInfo {
+    uint64_t read;
+    uint64_t write;
+} DkSmlBandwidthInfo;
+
+/** Receive and transmit counters of one Ethernet port. */
+typedef struct DkSmlEthThroughput {
+    uint64_t rxBytes;
+    uint64_t txBytes;
+} DkSmlEthThroughput;
+
+/** State of every video unit; count in/out. */
+DKSML_API DkSmlReturn dkSmlGetVpuStatus(uint32_t deviceIndex, uint32_t *count, uint32_t *states);
+/** State of every codec; count in/out. */
+DKSML_API DkSmlReturn dkSmlGetCodecStatus(uint32_t deviceIndex, uint32_t *count, uint32_t *states);
+/** HBM bandwidth per channel; count in/out. */
+DKSML_API DkSmlReturn dkSmlGetHbmBandWidth(uint32_t deviceIndex, uint32_t *count, DkSmlBandwidthInfo *channels);
+/** DMA bandwidth per engine; count in/out. */
+DKSML_API DkSmlReturn dkSmlGetDmaBandwidth(uint32_t deviceIndex, uint32_t *count, DkSmlBandwidthInfo *engines);
+/** Ethernet throughput per port; count in/out. */
+DKSML_API DkSmlReturn dkSmlGetEthThroughput(uint32_t deviceIndex, uint32_t *count, DkSmlEthThroughput *ports);
+/** Presence state of every optical module; count in/out. */
+DKSML_API DkSmlReturn dkSmlGetOpticalModuleStatus(uint32_t deviceIndex, uint32_t *count, uint32_t *states);
+/** Identity of one optical module as "Key:value;" pairs (text rule). */
+DKSML_API DkSmlReturn dkSmlGetOpticalModuleInfo(uint32_t deviceIndex, uint32_t module, char *info,
+                                                uint32_t *size);
+/** Optical power of every lane of one module; count in/out. */
+DKSML_API DkSmlReturn dkSmlGetOpticalModulePower(uint32_t deviceIndex, uint32_t module, uint32_t *count,
+                                                 int32_t *powers);
+
+/* ------------------------------------------------------------------------ */
+/* Interconnect (DravikLink)                                                 */
+/* ------------------------------------------------------------------------ */
+
+#define DK_SML_DRAVIK_LINK_MAX_PORTS 16
+
+typedef enum DkSmlDravikLinkType {
+    DK_SML_DRAVIK_LINK_INBOUND = 0,
+    DK_SML_DRAVIK_LINK_OUTBOUND = 1
+} DkSmlDravikLinkType;
+
+/** The two bandwidth values the driver reports for one link. */
+typedef struct DkSmlDravikLinkBandwidth {
+    uint32_t values[2];
+} DkSmlDravikLinkBandwidth;
+
+typedef struct DkSmlDravikLinkTrafficStat {
+    uint64_t packets;
+    uint64_t bytes;
+} DkSmlDravikLinkTrafficStat;
+
+typedef struct DkSmlDravikLinkAer {
+    uint32_t correctable;
+    uint32_t uncorrectable;
+} DkSmlDravikLinkAer;
+
+/** Speed and width of every port. */
+typedef struct DkSmlDravikLinkInfo {
+    uint32_t portCount;
+    float speed[DK_SML_DRAVIK_LINK_MAX_PORTS];
+    uint32_t width[DK_SML_DRAVIK_LINK_MAX_PORTS];
+} DkSmlDravikLinkInfo;
+
+/** As DkSmlDravikLinkInfo, with the port states. */
+typedef struct DkSmlDravikLinkInfo_v2 {
+    uint32_t portCount;
+    float speed[DK_SML_DRAVIK_LINK_MAX_PORTS];
+    uint32_t width[DK_SML_DRAVIK_LINK_MAX_PORTS];
+    uint32_t state[DK_SML_DRAVIK_LINK_MAX_PORTS];
+} DkSmlDravikLinkInfo_v2;
+
+/** One port of the link topology. */
+typedef struct DkSmlDravikLinkTopo {
+    uint32_t localPort;
+    uint32_t remoteDeviceIndex;
+    uint32_t remotePort;
+} DkSmlDravikLinkTopo;
+
+/** Bandwidth of every link in one direction; count in/out. */
+DKSML_API DkSmlReturn dkSmlGetDravikLinkBandwidth(uint32_t deviceIndex, DkSmlDravikLinkType type,
+                                                  uint32_t *count, DkSmlDravikLinkBandwidth *links);
+/** Traffic counters of every link in one direction; count in/out. */
+DKSML_API DkSmlReturn dkSmlGetDravikLinkTrafficStat(uint32_t deviceIndex, DkSmlDravikLinkType type,
+                                                    uint32_t *count, DkSmlDravikLinkTrafficStat *links);
+/** Error counters of every link; count in/out. */
+DKSML_API DkSmlReturn dkSmlGetDravikLinkAer(uint32_t deviceIndex, uint32_t *count, DkSmlDravikLinkAer *links);
+/** Speed and width of every port. */
+DKSML_API DkSmlReturn dkSmlGetDravikLinkInfo(uint32_t deviceIndex, DkSmlDravikLinkInfo *info);
+/** Speed, width and state of every port. */
+DKSML_API DkSmlReturn dkSmlGetDravikLinkInfo_v2(uint32_t deviceIndex, DkSmlDravikLinkInfo_v2 *info);
+/** Interconnect on/off state and the driver's state text (text rule). */
+DKSML_API DkSmlReturn dkSmlGetDravikLinkState(uint32_t deviceIndex, uint32_t *state, char *text,
+                                              uint32_t *size);
+/** Switches the interconnect on (non-zero) or off. */
+DKSML_API DkSmlReturn dkSmlSetDravikLinkState(uint32_t deviceIndex, uint32_t state);
+/** State (0 to 4, 5 unknown) of every port; count in/out. */
+DKSML_API DkSmlReturn dkSmlGetDravikLinkPortState(uint32_t deviceIndex, uint32_t *count, uint32_t *states);
+/** Link topology of every port; count in/out. */
+DKSML_API DkSmlReturn dkSmlGetDravikLinkTopo(uint32_t deviceIndex, uint32_t *count, DkSmlDravikLinkTopo *ports);
+
+/* ------------------------------------------------------------------------ */
+/* Maintenance: firmware log, resets, firmware image                         */
+/* ------------------------------------------------------------------------ */
+
+/** Sets the firmware log level of every firmware unit. */
+DKSML_API DkSmlReturn dkSmlSetFwLoglevel(uint32_t deviceIndex, uint32_t level);
+/** Firmware log level of one firmware unit. */
+DKSML_API DkSmlReturn dkSmlGetFwIpLoglevel(uint32_t deviceIndex, uint32_t ip, uint32_t *level);
+/** Firmware log level of the device. */
+DKSML_API DkSmlReturn dkSmlGetFwLoglevel(uint32_t deviceIndex, uint32_t *level);
+/** Function-level reset of a device. */
+DKSML_API DkSmlReturn dkSmlFunctionLevelReset(uint32_t deviceIndex);
+/** Function-level reset of one virtual function, issued through its physical function. */
+DKSML_API DkSmlReturn dkSmlFunctionLevelResetVfFromPf(uint32_t deviceIndex, uint32_t vfIndex);
+/** Warm reset of a device; also for limited devices. */
+DKSML_API DkSmlReturn dkSmlReset(uint32_t deviceIndex);
+/** Forced reset of a device; also for limited devices. */
+DKSML_API DkSmlReturn dkSmlForceReset(uint32_t deviceIndex);
+/** Writes a VBIOS image file to the device; also for limited devices. */
+DKSML_API DkSmlReturn dkSmlVbiosUpgrade(uint32_t deviceIndex, const char *imagePath);
+/** Saves the device's VBIOS image to a file. */
+DKSML_API DkSmlReturn dkSmlDumpVbios(uint32_t deviceIndex, const char *outputPath);
+/** SR-IOV state: 1 enabled, 0 disabled. */
+DKSML_API DkSmlReturn dkSmlGetSriovState(uint32_t deviceIndex, uint32_t *state);
+
+/* ======================================================================== */
+/* Compatibility family                                                      */
+/* ======================================================================== */
+
+#define DK_SML_EX_DEVICE_NAME_BUFFER_SIZE 64
+#define DK_SML_EX_DEVICE_UUID_BUFFER_SIZE 96
+#define DK_SML_EX_DEVICE_PCI_BUS_ID_BUFFER_SIZE 32
+#define DK_SML_EX_SYSTEM_DKSML_VERSION_BUFFER_SIZE 16
+#define DK_SML_EX_SYSTEM_DRIVER_VERSION_BUFFER_SIZE 64
+
+typedef enum DkSmlExTemperatureSensors {
+    DK_SML_EX_TEMPERATURE_GPU = 0
+} DkSmlExTemperatureSensors;
+
+typedef enum DkSmlExTemperatureThresholds {
+    DK_SML_EX_TEMPERATURE_THRESHOLD_SHUTDOWN = 0,
+    DK_SML_EX_TEMPERATURE_THRESHOLD_SLOWDOWN = 1
+} DkSmlExTemperatureThresholds;
+
+typedef enum DkSmlExClockType {
+    DK_SML_EX_CLOCK_GRAPHICS = 0,
+    DK_SML_EX_CLOCK_SM = 1,         /* compute cores (xcore)              */
+    DK_SML_EX_CLOCK_MEM = 2,        /* memory controller (mc)             */
+    DK_SML_EX_CLOCK_VIDEO = 3       /* video encoder (vpue)               */
+} DkSmlExClockType;
+
+typedef enum DkSmlExClockId {
+    DK_SML_EX_CLOCK_ID_CURRENT = 0,
+    DK_SML_EX_CLOCK_ID_APP_CLOCK_TARGET = 1,
+    DK_SML_EX_CLOCK_ID_APP_CLOCK_DEFAULT = 2,
+    DK_SML_EX_CLOCK_ID_CUSTOMER_BOOST_MAX = 3
+} DkSmlExClockId;
+
+typedef enum DkSmlExEnableState {
+    DK_SML_EX_FEATURE_DISABLED = 0,
+    DK_SML_EX_FEATURE_ENABLED = 1
+} DkSmlExEnableState;
+
+/** Performance state: 0 is the fastest, 15 the slowest. */
+typedef enum DkSmlExPstates {
+    DK_SML_EX_PSTATE_0 = 0,
+    DK_SML_EX_PSTATE_15 = 15,
+    DK_SML_EX_PSTATE_UNKNOWN = 32
+} DkSmlExPstates;
+
+typedef enum DkSmlExPcieUtilCounter {
+    DK_SML_EX_PCIE_UTIL_TX_BYTES = 0,
+    DK_SML_EX_PCIE_UTIL_RX_BYTES = 1
+} DkSmlExPcieUtilCounter;
+
+typedef enum DkSmlExGpuTopologyLevel {
+    DK_SML_EX_TOPOLOGY_INTERNAL = 0,
+    DK_SML_EX_TOPOLOGY_SINGLE = 10,
+    DK_SML_EX_TOPOLOGY_MULTIPLE = 20,
+    DK_SML_EX_TOPOLOGY_HOSTBRIDGE = 30,
+    DK_SML_EX_TOPOLOGY_NODE = 40,
+    DK_SML_EX_TOPOLOGY_SYSTEM = 50
+} DkSmlExGpuTopologyLevel;
+
+typedef enum DkSmlExGpuP2PCapsIndex {
+    DK_SML_EX_P2P_CAPS_INDEX_READ = 0,
+    DK_SML_EX_P2P_CAPS_INDEX_WRITE = 1,
+    DK_SML_EX_P2P_CAPS_INDEX_DRAVIK_LINK = 2,
+    DK_SML_EX_P2P_CAPS_INDEX_ATOMICS = 3,
+    DK_SML_EX_P2P_CAPS_INDEX_PROP = 4,
+    DK_SML_EX_P2P_CAPS_INDEX_UNKNOWN = 5
+} DkSmlExGpuP2PCapsIndex;
+
+typedef enum DkSmlExGpuP2PStatus {
+    DK_SML_EX_P2P_STATUS_OK = 0,
+    DK_SML_EX_P2P_STATUS_NOT_SUPPORTED = 1,
+    DK_SML_EX_P2P_STATUS_UNKNOWN = 2
+} DkSmlExGpuP2PStatus;
+
+typedef enum DkSmlExDravikLinkDeviceType {
+    DK_SML_EX_DRAVIK_LINK_DEVICE_TYPE_GPU = 0,
+    DK_SML_EX_DRAVIK_LINK_DEVICE_TYPE_SWITCH = 1,
+    DK_SML_EX_DRAVIK_LINK_DEVICE_TYPE_UNKNOWN = 255
+} DkSmlExDravikLinkDeviceType;
+
+/** PCI identity of a die's device. */
+typedef struct DkSmlExPciInfo {
+    char busId[DK_SML_EX_DEVICE_PCI_BUS_ID_BUFFER_SIZE];  /* "0000:03:00.0" */
+    uint32_t domain;
+    uint32_t bus;
+    uint32_t device;
+    uint32_t function;
+    uint32_t pciDeviceId;       /* device id << 16 | vendor id            */
+    uint32_t pciSubSystemId;    /* subsystem id << 16 | subsystem vendor  */
+} DkSmlExPciInfo;
+
+/** Busy percentages over the last sampling period. */
+typedef struct DkSmlExUtilization {
+    uint32_t gpu;
+    uint32_t memory;
+} DkSmlExUtilization;
+
+/** Device memory in bytes. */
+typedef struct DkSmlExMemory {
+    uint64_t free;
+    uint64_t total;
+    uint64_t used;
+} DkSmlExMemory;
+
+/** A process running on a die. */
+typedef struct DkSmlExProcessInfo {
+    uint32_t pid;
+    uint64_t usedGpuMemory;
+} DkSmlExProcessInfo;
+
+/** Field identifiers of dkSmlExDeviceGetFieldValues. */
+#define DK_SML_EX_FI_DEV_DRAVIK_LINK_LINK_COUNT 1u
+
+typedef enum DkSmlExValueType {
+    DK_SML_EX_VALUE_TYPE_DOUBLE = 0,
+    DK_SML_EX_VALUE_TYPE_UNSIGNED_INT = 1,
+    DK_SML_EX_VALUE_TYPE_UNSIGNED_LONG_LONG = 3,
+    DK_SML_EX_VALUE_TYPE_SIGNED_LONG_LONG = 4
+} DkSmlExValueType;
+
+typedef union DkSmlExValue {
+    double dVal;
+    uint32_t uiVal;
+    uint64_t ullVal;
+    int64_t sllVal;
+} DkSmlExValue;
+
+/** One field request (fieldId, scopeId in) and its answer. */
+typedef struct DkSmlExFieldValue {
+    uint32_t fieldId;
+    uint32_t scopeId;
+    int64_t timestamp;          /* microseconds since the epoch            */
+    int64_t latencyUsec;
+    DkSmlExValueType valueType;
+    DkSmlExReturn dkSmlReturn;  /* status of this field                    */
+    DkSmlExValue value;
+} DkSmlExFieldValue;
+
+/** Calls dkSmlInit and always answers 0. */
+DKSML_API DkSmlExReturn dkSmlExInit(void);
+/** Does nothing; answers 0. */
+DKSML_API DkSmlExReturn dkSmlExShutdown(void);
+/** Fixed English text of a compatibility status ("" when unknown). */
+DKSML_API const char *dkSmlExErrorString(DkSmlExReturn result);
+/** Number of dies (or slices in slice mode) of the physical devices. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetCount(uint32_t *deviceCount);
+/** The same as dkSmlExDeviceGetCount. */
+DKSML_API DkSmlExReturn dkSmlExVornDeviceGetCount(uint32_t *deviceCount);
+/** Handle of the die with the compute stack's number index. */
+DKSML_API DkSmlExReturn dkSmlExGetDeviceHandleByIndex(uint32_t index, DkSmlExDevice *device);
+/** Handle of die 0 of the device with this UUID. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetHandleByUUID(const char *uuid, DkSmlExDevice *device);
+/** Handle of die 0 of the device at this PCI bus id (any field width). */
+DKSML_API DkSmlExReturn dkSmlExGetDeviceHandleByPciBusId(const char *pciBusId, DkSmlExDevice *device);
+/** Device name. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetName(DkSmlExDevice device, char *name, uint32_t length);
+/** Device UUID. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetUUID(DkSmlExDevice device, char *uuid, uint32_t length);
+/** PCI identity. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetPciInfo(DkSmlExDevice device, DkSmlExPciInfo *pci);
+/** Minor number of the device's render node. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetMinorNumber(DkSmlExDevice device, uint32_t *minorNumber);
+/** Compute capability (always 9.0). */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetComputeCapability(DkSmlExDevice device, int32_t *major,
+                                                          int32_t *minor);
+/** Die temperature in degrees Celsius. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetTemperature(DkSmlExDevice device, DkSmlExTemperatureSensors sensor,
+                                                    uint32_t *temp);
+/** Temperature threshold in degrees Celsius (shutdown threshold only). */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetTemperatureThreshold(DkSmlExDevice device,
+                                                             DkSmlExTemperatureThresholds threshold,
+                                                             uint32_t *temp);
+/** Current clock of one clock type in MHz. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetClockInfo(DkSmlExDevice device, DkSmlExClockType type,
+                                                  uint32_t *clockMHz);
+/** Clock of one clock type and kind in MHz. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetClock(DkSmlExDevice device, DkSmlExClockType type,
+                                              DkSmlExClockId clockId, uint32_t *clockMHz);
+/** Applications clock (the highest allowed level) of one clock type in MHz. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetApplicationsClock(DkSmlExDevice device, DkSmlExClockType type,
+                                                          uint32_t *clockMHz);
+/** Supported memory clocks in MHz; count in/out. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetSupportedMemoryClocks(DkSmlExDevice device, uint32_t *count,
+                                                              uint32_t *clocksMHz);
+/** Supported compute clocks for a memory clock (0: any) in MHz; count in/out. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetSupportedGraphicsClocks(DkSmlExDevice device, uint32_t memoryClockMHz,
+                                                                uint32_t *count, uint32_t *clocksMHz);
+/** As dkSmlExDeviceGetSupportedGraphicsClocks. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetSupportedGraphicsClocks_v2(DkSmlExDevice device,
+                                                                   uint32_t memoryClockMHz, uint32_t *count,
+                                                                   uint32_t *clocksMHz);
+/** Caps the compute clock at a supported level. */
+DKSML_API DkSmlExReturn dkSmlExDeviceSetApplicationsClocks(DkSmlExDevice device, uint32_t memoryClockMHz,
+                                                           uint32_t graphicsClockMHz);
+/** Has no effect; answers 0 for a valid handle. */
+DKSML_API DkSmlExReturn dkSmlExDeviceResetApplicationsClocks(DkSmlExDevice device);
+/** Current performance state. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetPerformanceState(DkSmlExDevice device, DkSmlExPstates *pState);
+/** Auto boost is not offered: both outputs 0. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetAutoBoostedClocksEnabled(DkSmlExDevice device,
+                                                                 DkSmlExEnableState *isEnabled,
+                                                                 DkSmlExEnableState *defaultIsEnabled);
+/** Auto boost is not offered: 3 for a valid handle. */
+DKSML_API DkSmlExReturn dkSmlExDeviceSetAutoBoostedClocksEnabled(DkSmlExDevice device,
+                                                                 DkSmlExEnableState enabled);
+/** Every throttle reason the driver may report. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetSupportedClocksThrottleReasons(DkSmlExDevice device,
+                                                                       uint64_t *reasons);
+/** Throttle reasons in force on the die. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetCurrentClocksThrottleReasons(DkSmlExDevice device, uint64_t *reasons);
+/** Board power draw in the driver's power unit (sum of the PMBus rails). */
+DKSML_API DkSmlExReturn dkSmlExGetPowerUsage(DkSmlExDevice device, uint32_t *power);
+/** Board power limit. */
+DKSML_API DkSmlExReturn dkSmlExGetPowerManagementLimit(DkSmlExDevice device, uint32_t *limit);
+/** Board power limit in force. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetEnforcedPowerLimit(DkSmlExDevice device, uint32_t *limit);
+/** Compute and memory busy percentages. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetUtilization(DkSmlExDevice device, DkSmlExUtilization *utilization);
+/** Memory of the die in bytes. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetMemoryInfo(DkSmlExDevice device, DkSmlExMemory *memory);
+/** Current PCIe link width. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetCurrPcieLinkWidth(DkSmlExDevice device, uint32_t *width);
+/** Maximum PCIe link width. */
+DKSML_API DkSmlExReturn dkSmlExGetMaxPcieLinkWidth(DkSmlExDevice device, uint32_t *width);
+/** PCIe throughput counter. */
+DKSML_API DkSmlExReturn dkSmlExGetPcieThroughput(DkSmlExDevice device, DkSmlExPcieUtilCounter counter,
+                                                 uint32_t *value);
+/** Bit mask of the local CPUs in cpuSetSize 32-bit words. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetCpuAffinity(DkSmlExDevice device, uint32_t cpuSetSize,
+                                                    uint32_t *cpuSet);
+/** Pins the calling thread to the local CPUs. */
+DKSML_API DkSmlExReturn dkSmlExDeviceSetCpuAffinity(DkSmlExDevice device);
+/** Closest common ancestor of two dies. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetTopologyCommonAncestor(DkSmlExDevice device1, DkSmlExDevice device2,
+                                                               DkSmlExGpuTopologyLevel *pathInfo);
+/** Peer-to-peer status between two dies. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetP2PStatus(DkSmlExDevice device1, DkSmlExDevice device2,
+                                                  DkSmlExGpuP2PCapsIndex p2pIndex,
+                                                  DkSmlExGpuP2PStatus *p2pStatus);
+/** Whether one interconnect link is active. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetDravikLinkState(DkSmlExDevice device, uint32_t link,
+                                                        DkSmlExEnableState *isActive);
+/** PCI identity of the device at the far end of one link. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetDravikLinkRemotePciInfo_v2(DkSmlExDevice device, uint32_t link,
+                                                                   DkSmlExPciInfo *pci);
+/** Kind of device at the far end of one link. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetDravikLinkRemoteDeviceType(DkSmlExDevice device, uint32_t link,
+                                                                   DkSmlExDravikLinkDeviceType *type);
+/** Answers each field request; every entry carries its own status. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetFieldValues(DkSmlExDevice device, uint32_t valuesCount,
+                                                    DkSmlExFieldValue *values);
+/** Fan duty in percent. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetFanSpeed(DkSmlExDevice device, uint32_t *speed);
+/** Fan duty of one fan (only fan 0) in percent. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetFanSpeed_v2(DkSmlExDevice device, uint32_t fan, uint32_t *speed);
+/** Processes on the die; count in/out. */
+DKSML_API DkSmlExReturn dkSmlExDeviceGetComputeRunningProcesses(DkSmlExDevice device, uint32_t *infoCount,
+                                                                DkSmlExProcessInfo *infos);
+/** Kernel driver version text. */
+DKSML_API DkSmlExReturn dkSmlExSystemGetDriverVersion(char *version, uint32_t length);
+/** Compute-stack version as major * 1000 + minor * 10. */
+DKSML_API DkSmlExReturn dkSmlExSystemGetVornDriverVersion(uint32_t *version);
+/** This library's version text. */
+DKSML_API DkSmlExReturn dkSmlExSystemGetDksmlVersion(char *version, uint32_t length);
+
 #ifdef __cplusplus
 }
 #endif
