@@ -1,29 +1,33 @@
-// Minimal system manager: singleton, initialisation lock and empty tables.
-// Discovery fills the tables.
+// The system manager's lifecycle: the singleton, the discovery pass and the
+// directories it works in.
 #include "core/dk_system_manager.h"
+
+#include <exception>
+#include <utility>
+
+#include "core/dk_host_root.h"
+#include "core/dk_system_manager_state.h"
+#include "driver/dk_text.h"
 
 namespace dksml {
 
 const std::string g_dkDeviceSearchPath = "/sys/bus/pci/devices";
 
-struct DkSystemManager::State {
-    bool initialized = false;
-    uint32_t nextVfIndex = 100;
-    uint32_t nextPfIndex = 0;
-    uint32_t availableDeviceCount = 0;
-    std::string dkcdPath, managerPath, layoutPath;
-    std::unique_ptr<DkSysUtils> sysUtils;
-    std::shared_ptr<DkTopology> topology;
-    std::shared_ptr<IDkProcessManagement> processManagement;
-    std::map<std::string, DkGpuNodeInfo> gpuNodeMap;
-    std::vector<DkNiNodeInfo> niNodeList;
-    std::map<uint32_t, DkLimitedDeviceInfo> limitedDevices;
-    std::unordered_map<uint32_t, std::string> gpuBdfIdMap;
-    std::unordered_map<uint32_t, uint32_t> sgpuIdMap;
-    std::unordered_map<std::string, uint32_t> bdfToDeviceIndex;
-    std::map<uint32_t, std::shared_ptr<IDkDevice>> devices;
-    std::map<uint32_t, DkDieInfo> dies;
-};
+namespace {
+
+// Class directory: the vendor-named one first. Manager directory: the
+// driver-named one first. Older drivers create only one of each pair, and
+// they differ in which one they dropped.
+constexpr const char* c_classDirs[] = {"/sys/class/dravik/dkcd/", "/sys/class/dkcd/dkcd/"};
+constexpr const char* c_managerDirs[] = {"/sys/devices/virtual/dkcd/dkcd/manager",
+                                         "/sys/devices/virtual/dravik/dkcd/manager"};
+constexpr const char* c_layoutSubdir = "layout/nodes/";
+
+std::string FirstExisting(const char* const (&candidates)[2]) {
+    return CheckIfFileExist(HostPath(candidates[0])) ? candidates[0] : candidates[1];
+}
+
+}  // namespace
 
 DkSystemManager& DkSystemManager::GetInstance() {
     static DkSystemManager instance;
@@ -33,34 +37,105 @@ DkSystemManager& DkSystemManager::GetInstance() {
 DkSystemManager::DkSystemManager() : m_state(std::make_unique<State>()) {}
 DkSystemManager::~DkSystemManager() = default;
 
-DkSmlReturn DkSystemManager::Initialize(const std::string&, std::unique_ptr<DkSysUtils>, uint32_t flags) {
+DkSmlReturn DkSystemManager::Initialize(const std::string& searchPath, std::unique_ptr<DkSysUtils> sysUtils,
+                                        uint32_t flags) {
     std::lock_guard<std::mutex> lock(m_initMutex);
     if (flags == 0 && m_state->initialized) return DK_SML_SUCCESS;
-    return DK_SML_ERROR_NO_DEVICE;
+    try {
+        return InitializeForLinux(searchPath, std::move(sysUtils));
+    } catch (const std::exception&) {
+        // Out of memory in the middle of a pass: leave nothing half-built behind.
+        ResetDiscoveryState();
+        return DK_SML_ERROR_FAILURE;
+    }
 }
 
-std::shared_ptr<IDkDevice> DkSystemManager::GetDeviceById(uint32_t deviceIndex) const {
-    auto it = m_state->devices.find(deviceIndex);
-    return it == m_state->devices.end() ? nullptr : it->second;
+DkSmlReturn DkSystemManager::InitializeForLinux(const std::string& searchPath,
+                                                std::unique_ptr<DkSysUtils> sysUtils) {
+    ResetDiscoveryState();
+    m_state->searchPath = searchPath;
+    ChooseDriverDirectories();
+    InitVendorId();
+    ParseLayoutNodeInfo();
+    DiscoverDkDevices(searchPath);
+    ConnectPfAndVfDevice();
+    if (m_state->devices.empty()) return DK_SML_ERROR_NO_DEVICE;
+
+    GetRenderIdAndCardId();
+    m_state->sysUtils = sysUtils ? std::move(sysUtils) : std::make_unique<DkSysUtils>();
+    // The topology and process-accounting objects are created by their own
+    // services; until then they stay empty and their callers answer 6.
+    m_state->topology.reset();
+    m_state->processManagement.reset();
+    m_state->initialized = true;
+    return DK_SML_SUCCESS;
 }
 
-bool DkSystemManager::CheckDeviceHandle(const DkDieInfo* handle) const {
-    if (handle == nullptr) return false;
-    for (const auto& [key, die] : m_state->dies)
-        if (&die == handle) return true;
-    return false;
+// Every table of the previous pass goes, so indices restart at 0 and 100 and
+// handles from the previous pass stop matching any record.
+void DkSystemManager::ResetDiscoveryState() {
+    State& s = *m_state;
+    s.initialized = false;
+    s.nextVfIndex = 100;
+    s.nextPfIndex = 0;
+    s.availableDeviceCount = 0;
+    s.cpuNodeCount = 0;
+    s.nextDieKey = 0;
+    s.gpuNodeMap.clear();
+    s.secondDieGpuIds.clear();
+    s.niNodeList.clear();
+    s.limitedDevices.clear();
+    s.gpuBdfIdMap.clear();
+    s.sgpuIdMap.clear();
+    s.bdfToDeviceIndex.clear();
+    s.devices.clear();
+    s.dies.clear();
+    s.boardIds.clear();
+    s.acceptedVendorIds.clear();
+    s.topology.reset();
+    s.processManagement.reset();
 }
 
-uint32_t DkSystemManager::GetAvailableDeviceCount() const { return m_state->availableDeviceCount; }
-uint32_t DkSystemManager::GetPfDeviceCount() const {
-    return static_cast<uint32_t>(m_state->devices.size()) - m_state->availableDeviceCount;
+void DkSystemManager::ChooseDriverDirectories() {
+    State& s = *m_state;
+    if (s.dkcdPath.empty()) s.dkcdPath = FirstExisting(c_classDirs);
+    if (s.managerPath.empty()) s.managerPath = FirstExisting(c_managerDirs);
+    s.layoutPath = s.dkcdPath + c_layoutSubdir;
 }
-const std::map<uint32_t, std::shared_ptr<IDkDevice>>& DkSystemManager::GetDeviceMap() const {
-    return m_state->devices;
+
+const std::string& DkSystemManager::GetDkcdPath() const { return m_state->dkcdPath; }
+const std::string& DkSystemManager::GetSystemManagerPath() const { return m_state->managerPath; }
+const std::string& DkSystemManager::GetLayoutPath() const { return m_state->layoutPath; }
+
+void DkSystemManager::SetDkcdPath(const std::string& path) {
+    m_state->dkcdPath = path;
+    if (!path.empty() && path.back() != '/') m_state->dkcdPath += '/';
 }
+
+void DkSystemManager::SetSystemManagerPath(const std::string& path) { m_state->managerPath = path; }
+
+DkSysUtils* DkSystemManager::GetSysUtils() const { return m_state->sysUtils.get(); }
 std::shared_ptr<DkTopology> DkSystemManager::GetTopology() const { return m_state->topology; }
 std::shared_ptr<IDkProcessManagement> DkSystemManager::GetProcessManagement() const {
     return m_state->processManagement;
 }
+
+uint32_t DkSystemManager::GetAvailableDeviceCount() const { return m_state->availableDeviceCount; }
+
+uint32_t DkSystemManager::GetPfDeviceCount() const {
+    return static_cast<uint32_t>(m_state->devices.size()) - m_state->availableDeviceCount;
+}
+
+uint32_t DkSystemManager::GetTargetNiCount() const { return static_cast<uint32_t>(m_state->niNodeList.size()); }
+
+const std::map<uint32_t, std::shared_ptr<IDkDevice>>& DkSystemManager::GetDeviceMap() const {
+    return m_state->devices;
+}
+const std::map<std::string, DkGpuNodeInfo>& DkSystemManager::GetGpuNodeMap() const { return m_state->gpuNodeMap; }
+const std::vector<DkNiNodeInfo>& DkSystemManager::GetNiNodeList() const { return m_state->niNodeList; }
+const std::unordered_map<uint32_t, std::string>& DkSystemManager::GetGpuBdfIdMap() const {
+    return m_state->gpuBdfIdMap;
+}
+const std::unordered_map<uint32_t, uint32_t>& DkSystemManager::GetSgpuIdMap() const { return m_state->sgpuIdMap; }
 
 }  // namespace dksml

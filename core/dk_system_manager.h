@@ -155,6 +155,39 @@ public:
 private:
     DkSystemManager();
     ~DkSystemManager();
+
+    // Discovery pass.
+    DkSmlReturn InitializeForLinux(const std::string& searchPath, std::unique_ptr<DkSysUtils> sysUtils);
+    void ResetDiscoveryState();
+    void ChooseDriverDirectories();
+    void InitVendorId();
+    bool GetDkDeviceInfo(const std::string& deviceDir, DkSysInfo& info) const;
+
+    // Layout nodes.
+    void ParseLayoutNodeInfo();
+    void ParseGpuNode(const std::string& nodeDir, uint32_t nodeId, uint32_t gpuId);
+    static void GetLinksInfo(const std::string& linksDir, std::vector<DkLinkAttr>& links);
+
+    // PCI scan.
+    void DiscoverDkDevices(const std::string& searchPath);
+    void ScanPciEntry(const std::string& searchPath, const std::string& name, uint32_t nicVendorId,
+                      std::vector<DkLimitedDeviceInfo>& limited);
+    void CreateDevice(const std::string& searchPath, const DkSysInfo& info);
+    uint32_t AssignDeviceIdForNewDevice(bool isVf);
+    void SetDeviceAttribute(IDkDevice& device, const DkSysInfo& info) const;
+    void AddDieKeys(const std::shared_ptr<IDkDevice>& device);
+    void AppendLimitedDevice(const DkSysInfo& info, std::vector<DkLimitedDeviceInfo>& limited) const;
+    void ParseTargetNiNodeInfo(const std::string& deviceDir, const std::string& bdfId);
+
+    // After the scan.
+    void ConnectPfAndVfDevice();
+    void GetRenderIdAndCardId();
+
+    // Limited devices and boards.
+    DkSmlReturn CheckNodeInvalidReason(const std::string& bdfId, uint32_t& reason, std::string& text) const;
+    const DkLimitedDeviceInfo* FindLimitedDevice(uint32_t deviceIndex) const;
+    void ConstructBoardIdMap();
+
     struct State;
     std::unique_ptr<State> m_state;  // every table, reset by each discovery pass
     std::mutex m_initMutex;

@@ -1,0 +1,119 @@
+// What discovery learns after the scan: which virtual functions a physical
+// function hosts ("gpuvf") and each device's DRM card and render nodes.
+#include <cstdlib>
+#include <dirent.h>
+#include <string_view>
+#include <vector>
+
+#include "core/dk_device.h"
+#include "core/dk_host_root.h"
+#include "core/dk_system_manager.h"
+#include "core/dk_system_manager_state.h"
+#include "driver/dk_text.h"
+
+namespace dksml {
+namespace {
+
+constexpr const char* c_gpuvfFile = "/gpuvf";
+constexpr std::string_view c_vfEntryMarker = "VF #";
+constexpr std::string_view c_vfBusIdKey = "BusId:";
+constexpr std::string_view c_vfStateKey = "VF State:";
+constexpr std::string_view c_vfActiveState = "Active";
+constexpr const char* c_driByPathDir = "/dev/dri/by-path";
+constexpr std::string_view c_driLinkPrefix = "pci-";
+
+struct DkGpuvfEntry {
+    uint32_t number = 0;
+    std::string bdfId;
+    bool active = false;
+};
+
+std::string_view TextAfter(std::string_view line, size_t position) {
+    return TrimView(line.substr(position), " \t\r");
+}
+
+// ParseGpuvfFile: "VF #n" starts an entry; "BusId:" and "VF State:" lines fill it.
+std::vector<DkGpuvfEntry> ParseGpuvfFile(std::string_view text) {
+    std::vector<DkGpuvfEntry> entries;
+    DkTextLines lines(text);
+    std::string_view line;
+    while (lines.Next(line)) {
+        size_t at = line.find(c_vfEntryMarker);
+        if (at != std::string_view::npos) {
+            DkGpuvfEntry entry;
+            stoui_nt(TextAfter(line, at + c_vfEntryMarker.size()), entry.number);
+            entries.push_back(entry);
+            continue;
+        }
+        if (entries.empty()) continue;
+        if ((at = line.find(c_vfBusIdKey)) != std::string_view::npos)
+            entries.back().bdfId = TextAfter(line, at + c_vfBusIdKey.size());
+        else if ((at = line.find(c_vfStateKey)) != std::string_view::npos)
+            entries.back().active = TextAfter(line, at + c_vfStateKey.size()) == c_vfActiveState;
+    }
+    return entries;
+}
+
+// "card3" -> 3, "renderD131" -> 131: the number that ends a DRM node name.
+bool TrailingNumber(std::string_view name, uint32_t& number) {
+    size_t digits = name.find_last_not_of("0123456789");
+    std::string_view tail = digits == std::string_view::npos ? name : name.substr(digits + 1);
+    unsigned int value = 0;
+    if (!IsNumber(tail) || !stoui_nt(tail, value)) return false;
+    number = value;
+    return true;
+}
+
+}  // namespace
+
+void DkSystemManager::ConnectPfAndVfDevice() {
+    State& s = *m_state;
+    for (uint32_t index = 0; index < s.availableDeviceCount; ++index) {
+        auto pfIt = s.devices.find(index);
+        if (pfIt == s.devices.end()) break;
+        std::shared_ptr<IDkDevice> pf = pfIt->second;
+        std::string text;
+        if (ReadFileText(HostPath(pf->GetDeviceDir() + c_gpuvfFile), text) != DK_SML_SUCCESS) continue;
+        std::vector<DkGpuvfEntry> entries = ParseGpuvfFile(text);
+        if (entries.empty()) continue;
+        pf->SetDeviceVirtualizationMode(DK_SML_VIRTUALIZATION_MODE_PF);
+        for (const DkGpuvfEntry& entry : entries) {
+            auto vfIndex = s.bdfToDeviceIndex.find(entry.bdfId);
+            if (vfIndex == s.bdfToDeviceIndex.end()) continue;
+            std::shared_ptr<IDkDevice> vf = s.devices[vfIndex->second];
+            if (!vf || !vf->IsVf()) continue;
+            pf->AddVirtualizedDevice(entry.number, vf);
+            pf->AddVfList(vfIndex->second);
+            if (auto* dkVf = dynamic_cast<DkDevice*>(vf.get())) dkVf->SetPfAncestor(pf, entry.number);
+        }
+    }
+}
+
+void DkSystemManager::GetRenderIdAndCardId() {
+    State& s = *m_state;
+    dirent** entries = nullptr;
+    int count = scandir(HostPath(c_driByPathDir).c_str(), &entries, nullptr, versionsort);
+    if (count < 0) return;
+    for (int i = 0; i < count; ++i) {
+        std::string name = entries[i]->d_name;
+        std::free(entries[i]);
+        std::string_view view = name;
+        if (view.substr(0, c_driLinkPrefix.size()) != c_driLinkPrefix) continue;
+        view.remove_prefix(c_driLinkPrefix.size());
+        size_t dash = view.rfind('-');
+        if (dash == std::string_view::npos) continue;
+        std::string_view kind = view.substr(dash + 1);
+        auto device = s.bdfToDeviceIndex.find(std::string(view.substr(0, dash)));
+        if (device == s.bdfToDeviceIndex.end() || (kind != "card" && kind != "render")) continue;
+        std::string target = RealHostPath(std::string(c_driByPathDir) + "/" + name);
+        uint32_t number = 0;
+        if (!TrailingNumber(target, number)) continue;
+        IDkDevice& dev = *s.devices[device->second];
+        if (kind == "card") dev.SetDeviceCardId(number);
+        else dev.SetDeviceRenderId(number);
+    }
+    std::free(entries);
+}
+
+}  // namespace dksml
+

@@ -1,0 +1,73 @@
+#include "core/dk_discovery_ni.h"
+
+#include <cstdlib>
+#include <dirent.h>
+#include <string_view>
+
+#include "core/dk_host_root.h"
+#include "core/dk_system_manager.h"
+#include "core/dk_system_manager_state.h"
+#include "driver/dk_text.h"
+
+namespace dksml {
+namespace {
+
+constexpr const char* c_nicVendorEnv = "DK_SMI_NIC_VENDOR";
+
+bool ReadFirstNumber(const std::string& path, unsigned int& value, int base) {
+    std::string text;
+    if (ReadFileText(path, text) != DK_SML_SUCCESS) return false;
+    DkTextLines lines(text);
+    std::string_view line;
+    return lines.Next(line) && stoui_nt(TrimView(line, " \t\r"), value, base);
+}
+
+}  // namespace
+
+uint32_t GetNicEnvVendorId() {
+    const char* value = std::getenv(c_nicVendorEnv);
+    unsigned int vendorId = 0;
+    if (value == nullptr || !stoui_nt(TrimView(value, " \t"), vendorId, 0)) return 0;
+    return vendorId;
+}
+
+bool CheckIsRoceEnabled(const std::string& deviceDir) {
+    unsigned int enabled = 0;
+    return ReadFirstNumber(HostPath(deviceDir) + "/roce_enable", enabled, 10) && enabled == 1;
+}
+
+bool CheckIsInfinibandEnabled(const std::string& deviceDir) {
+    DIR* dir = opendir((HostPath(deviceDir) + "/infiniband").c_str());
+    if (dir == nullptr) return false;
+    bool hasPort = false;
+    while (const dirent* entry = readdir(dir)) {
+        std::string_view name = entry->d_name;
+        if (name != "." && name != "..") {
+            hasPort = true;
+            break;
+        }
+    }
+    closedir(dir);
+    return hasPort;
+}
+
+bool CheckIsTargetNi(const std::string& deviceDir, uint32_t nicVendorId) {
+    if (nicVendorId == 0) return false;
+    unsigned int vendorId = 0;
+    if (!ReadFirstNumber(HostPath(deviceDir) + "/vendor", vendorId, 0) || vendorId != nicVendorId) return false;
+    return CheckIsRoceEnabled(deviceDir) || CheckIsInfinibandEnabled(deviceDir);
+}
+
+void DkSystemManager::ParseTargetNiNodeInfo(const std::string& deviceDir, const std::string& bdfId) {
+    DkNiNodeInfo node;
+    node.index = static_cast<uint32_t>(m_state->niNodeList.size());
+    node.bdf = bdfId;
+    // "-1" on a machine without NUMA: the interface then counts as node 0.
+    int numaNode = 0;
+    if (ReadSysfs(HostPath(deviceDir) + "/numa_node", ExtractRawValueStr, numaNode) == DK_SML_SUCCESS &&
+        numaNode > 0)
+        node.numaNode = static_cast<uint32_t>(numaNode);
+    m_state->niNodeList.push_back(std::move(node));
+}
+
+}  // namespace dksml

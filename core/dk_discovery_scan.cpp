@@ -1,0 +1,138 @@
+// The PCI scan: every function under the search path becomes a device, a
+// limited device, a network interface or nothing.
+#include <cstdlib>
+#include <dirent.h>
+#include <string_view>
+
+#include "core/dk_device.h"
+#include "core/dk_discovery_ni.h"
+#include "core/dk_driver_data_handler_factory.h"
+#include "core/dk_host_root.h"
+#include "core/dk_system_manager.h"
+#include "core/dk_system_manager_state.h"
+#include "driver/dk_text.h"
+
+namespace dksml {
+
+namespace {
+
+constexpr uint32_t c_noDevice = UINT32_MAX;
+constexpr uint32_t c_lastPfIndex = 99;
+// A device answers through its driver only when these open and hold a line.
+constexpr const char* c_accessProbeFiles[] = {"pcipowerstate", "showvendorid"};
+
+bool CheckIsSysfsAccessible(const std::string& path) {
+    std::string text;
+    if (ReadFileText(path, text) != DK_SML_SUCCESS) return false;
+    DkTextLines lines(text);
+    std::string_view line;
+    return lines.Next(line);
+}
+
+bool CheckIsDeviceAccessible(const std::string& deviceDir) {
+    const std::string smiDir = HostPath(deviceDir) + "/smi/";
+    for (const char* file : c_accessProbeFiles)
+        if (!CheckIsSysfsAccessible(smiDir + file)) return false;
+    return true;
+}
+
+}  // namespace
+
+void DkSystemManager::DiscoverDkDevices(const std::string& searchPath) {
+    dirent** entries = nullptr;
+    int count = scandir(HostPath(searchPath).c_str(), &entries, nullptr, alphasort);
+    if (count < 0) return;
+    const uint32_t nicVendorId = GetNicEnvVendorId();
+    std::vector<DkLimitedDeviceInfo> limited;
+    for (int i = 0; i < count; ++i) {
+        std::string name = entries[i]->d_name;
+        std::free(entries[i]);
+        if (name == "." || name == "..") continue;
+        ScanPciEntry(searchPath, name, nicVendorId, limited);
+    }
+    std::free(entries);
+
+    // Limited devices are numbered after every usable device of their kind.
+    for (DkLimitedDeviceInfo& info : limited) {
+        uint32_t index = AssignDeviceIdForNewDevice(info.isVf);
+        m_state->limitedDevices.emplace(index, std::move(info));
+    }
+}
+
+void DkSystemManager::ScanPciEntry(const std::string& searchPath, const std::string& name, uint32_t nicVendorId,
+                                   std::vector<DkLimitedDeviceInfo>& limited) {
+    const std::string deviceDir = searchPath + "/" + name;
+    DkSysInfo info;
+    info.bdfId = name;
+    if (!GetDkDeviceInfo(deviceDir, info)) {
+        if (CheckIsTargetNi(deviceDir, nicVendorId)) ParseTargetNiNodeInfo(deviceDir, name);
+        return;
+    }
+    if (CheckIsInfinibandEnabled(deviceDir)) ParseTargetNiNodeInfo(deviceDir, name);
+    if (!CheckIsDeviceAccessible(deviceDir) || (!info.isVf && m_state->gpuNodeMap.count(name) == 0)) {
+        AppendLimitedDevice(info, limited);
+        return;
+    }
+    CreateDevice(searchPath, info);
+}
+
+void DkSystemManager::CreateDevice(const std::string& searchPath, const DkSysInfo& info) {
+    State& s = *m_state;
+    std::shared_ptr<IDkDevice> device = s.deviceFactory->CreateNewDevice(searchPath);
+    if (!device) return;
+    uint32_t index = AssignDeviceIdForNewDevice(info.isVf);
+    device->SetDeviceId(index);
+    if (!info.isVf) s.gpuNodeMap[info.bdfId].deviceIndex = index;
+    SetDeviceAttribute(*device, info);
+    s.devices[index] = device;
+    s.bdfToDeviceIndex[info.bdfId] = index;
+    if (!info.isVf) ++s.availableDeviceCount;
+    AddDieKeys(device);
+}
+
+uint32_t DkSystemManager::AssignDeviceIdForNewDevice(bool isVf) {
+    return isVf ? m_state->nextVfIndex++ : m_state->nextPfIndex++;
+}
+
+// Layout-node identity first: the handler copies the node path when it is attached.
+void DkSystemManager::SetDeviceAttribute(IDkDevice& device, const DkSysInfo& info) const {
+    const State& s = *m_state;
+    auto node = s.gpuNodeMap.find(info.bdfId);
+    if (node != s.gpuNodeMap.end()) {
+        device.SetDeviceGpuId(node->second.gpuId);
+        device.SetDeviceNodeId(node->second.nodeId);
+        device.SetDeviceUuid(node->second.uuid);
+        device.SetDeviceNodePath(s.layoutPath + std::to_string(node->second.nodeId));
+        if (auto* dkDevice = dynamic_cast<DkDevice*>(&device)) {
+            dkDevice->SetApMask(node->second.apMask);
+            auto secondDie = s.secondDieGpuIds.find(info.bdfId);
+            if (secondDie != s.secondDieGpuIds.end()) dkDevice->SetSecondDieGpuId(secondDie->second);
+        }
+    }
+    device.SetAttributeWithHandler(info, DkDriverDataHandlerFactory::CreateDriverDataHandler());
+}
+
+// The compute stack numbers the dies of physical devices in discovery order;
+// a virtual function is reached by its own index instead.
+void DkSystemManager::AddDieKeys(const std::shared_ptr<IDkDevice>& device) {
+    State& s = *m_state;
+    uint32_t index = device->GetDeviceId();
+    if (index <= c_lastPfIndex) {
+        for (uint32_t die = 0; die < device->GetDieCount(); ++die) s.dies[s.nextDieKey++] = DkDieInfo{die, device};
+    } else if (device->IsVf()) {
+        s.dies[index] = DkDieInfo{0, device};
+    }
+}
+
+void DkSystemManager::AppendLimitedDevice(const DkSysInfo& info, std::vector<DkLimitedDeviceInfo>& limited) const {
+    DkLimitedDeviceInfo record;
+    record.bdfId = info.bdfId;
+    record.vendorId = info.vendorId;
+    record.deviceId = info.deviceId;
+    record.isVf = info.isVf;
+    // The record keeps the reason even when "/proc/modules" cannot be read.
+    CheckNodeInvalidReason(info.bdfId, record.reason, record.reasonText);
+    limited.push_back(std::move(record));
+}
+
+}  // namespace dksml

@@ -1,0 +1,66 @@
+// Which PCI functions are the maker's GPUs: the accepted vendor ids and the
+// identity files of one PCI function.
+#include <string_view>
+
+#include "core/dk_host_root.h"
+#include "core/dk_pci_ids.h"
+#include "core/dk_system_manager.h"
+#include "core/dk_system_manager_state.h"
+#include "driver/dk_text.h"
+
+namespace dksml {
+namespace {
+
+constexpr const char* c_vendorIdOverridePath = "/opt/smi/etc/vendorid";
+constexpr uint32_t c_noDevice = UINT32_MAX;
+// The kernel's driver for the maker's virtual functions.
+constexpr std::string_view c_vfDriverName = "DKGVM";
+
+// First line of a file as a number in base 0 ("0x1e27", "7719"); 0 when unreadable.
+uint32_t ReadIdFile(const std::string& path) {
+    std::string text;
+    if (ReadFileText(path, text) != DK_SML_SUCCESS) return 0;
+    DkTextLines lines(text);
+    std::string_view line;
+    unsigned int value = 0;
+    if (!lines.Next(line) || !stoui_nt(TrimView(line, " \t\r"), value, 0)) return 0;
+    return value;
+}
+
+}  // namespace
+
+void DkSystemManager::InitVendorId() {
+    State& s = *m_state;
+    s.acceptedVendorIds.clear();
+    if (c_vendorFlag) {
+        s.acceptedVendorIds.insert(c_oemVendorId);
+        return;
+    }
+    uint32_t overrideId = ReadIdFile(HostPath(c_vendorIdOverridePath));
+    if (overrideId != 0) {
+        s.acceptedVendorIds.insert(overrideId);
+        return;
+    }
+    s.acceptedVendorIds.insert(c_makerVendorId);
+    s.acceptedVendorIds.insert(c_makerPartnerVendorId);
+}
+
+// Identity of the PCI function at `deviceDir` (a host path). False when it is
+// no GPU function that the library serves; `info` then still carries its ids.
+bool DkSystemManager::GetDkDeviceInfo(const std::string& deviceDir, DkSysInfo& info) const {
+    const std::string dir = HostPath(deviceDir);
+    info.vendorId = ReadIdFile(dir + "/vendor");
+    info.deviceId = ReadIdFile(dir + "/device");
+    info.subsystemVendorId = ReadIdFile(dir + "/subsystem_vendor");
+    info.subsystemDeviceId = ReadIdFile(dir + "/subsystem_device");
+    bool accepted = m_state->acceptedVendorIds.count(info.vendorId) != 0 ||
+                    (c_vendorFlag && info.vendorId == c_oemVendorId && info.deviceId == c_oemDeviceId);
+    if (!accepted || info.deviceId == 0) {
+        info.deviceId = c_noDevice;
+        return false;
+    }
+    info.isVf = RealHostPath(deviceDir + "/driver").find(c_vfDriverName) != std::string::npos;
+    return true;
+}
+
+}  // namespace dksml

@@ -1,0 +1,45 @@
+// Everything one discovery pass builds. Only the system manager's own files
+// include this; everyone else goes through DkSystemManager's interface.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "core/dk_device_factory.h"
+#include "core/dk_system_manager.h"
+
+namespace dksml {
+
+struct DkSystemManager::State {
+    bool initialized = false;
+    uint32_t nextVfIndex = 100;
+    uint32_t nextPfIndex = 0;
+    uint32_t availableDeviceCount = 0;
+    uint32_t cpuNodeCount = 0;
+    uint32_t nextDieKey = 0;  // the compute stack's running die number
+    std::string dkcdPath, managerPath, layoutPath;
+    std::string searchPath;  // of the last pass, for limited-device paths
+    std::unique_ptr<DkSysUtils> sysUtils;
+    std::shared_ptr<DkTopology> topology;
+    std::shared_ptr<IDkProcessManagement> processManagement;
+    std::unique_ptr<IDkDeviceFactory> deviceFactory = std::make_unique<DkDeviceFactory>();
+
+    std::map<std::string, DkGpuNodeInfo> gpuNodeMap;               // bus id -> layout node
+    std::unordered_map<std::string, uint32_t> secondDieGpuIds;     // bus id -> GPU id of die 1
+    std::vector<DkNiNodeInfo> niNodeList;
+    std::map<uint32_t, DkLimitedDeviceInfo> limitedDevices;
+    std::unordered_map<uint32_t, std::string> gpuBdfIdMap;        // driver GPU id -> bus id
+    std::unordered_map<uint32_t, uint32_t> sgpuIdMap;              // slice GPU id -> local id
+    std::unordered_map<std::string, uint32_t> bdfToDeviceIndex;
+    std::map<uint32_t, std::shared_ptr<IDkDevice>> devices;
+    std::map<uint32_t, DkDieInfo> dies;                            // handles point into this
+    std::map<uint32_t, uint32_t> boardIds;                         // device index -> board id
+    std::unordered_set<uint32_t> acceptedVendorIds;
+};
+
+}  // namespace dksml
