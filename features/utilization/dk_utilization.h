@@ -1,10 +1,29 @@
+// Engine usage, the per-AP usage table of the compute cores, the AP usage
+// sampling switch, and memory totals and use.
 #pragma once
 
+#include <cstdint>
+
+#include "dksml.h"
+
 namespace dksml {
+
+class IDkDevice;
 
 class DkUtilization {
 public:
     virtual ~DkUtilization() = default;
+
+    virtual DkSmlReturn GetMemoryInfo(IDkDevice* device, DkSmlMemoryInfo* info);
+    virtual DkSmlReturn GetDieMemoryInfo(IDkDevice* device, unsigned int dieId, DkSmlMemoryInfo* info);
+    virtual DkSmlReturn GetXcoreApUsageInfo(IDkDevice* device, uint32_t* usage, uint32_t* dpcCount, uint32_t* apCount);
+    virtual DkSmlReturn GetDieXcoreApUsageInfo(IDkDevice* device, unsigned int dieId, uint32_t* usage, uint32_t* dpcCount, uint32_t* apCount);
+    virtual DkSmlReturn GetDeviceUsage(IDkDevice* device, DkSmlUsageIp ip, int32_t* usage);
+    virtual DkSmlReturn GetDieUsage(IDkDevice* device, unsigned int dieId, DkSmlUsageIp ip, int32_t* usage);
+    virtual DkSmlReturn GetApUsageToggle(IDkDevice* device, uint32_t* state);
+    virtual DkSmlReturn GetDieApUsageToggle(IDkDevice* device, unsigned int dieId, uint32_t* state);
+    virtual DkSmlReturn SetApUsageToggle(IDkDevice* device, bool on);
+    virtual DkSmlReturn SetDieApUsageToggle(IDkDevice* device, unsigned int dieId, bool on);
 };
 
 }  // namespace dksml

@@ -1,0 +1,10 @@
+#include "features/fuse/dk_fuse.h"
+
+namespace dksml {
+
+// The driver side of these operations is not wired up in this version: each
+// answers DK_SML_ERROR_NOT_SUPPORTED so callers see a clear status.
+
+DkSmlReturn DkFuse::GetChipSerial(IDkDevice*, char*, uint32_t*) { return DK_SML_ERROR_NOT_SUPPORTED; }
+
+}  // namespace dksml
