@@ -1,0 +1,291 @@
+// DkClock against canned "showclocks" and "pmdecsrc" text.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "features/clock/dk_clock.h"
+#include "telemetry/fake_device.h"
+#include "telemetry/param_name.h"
+
+namespace dksml::test {
+namespace {
+
+std::vector<uint32_t> Values(const DkSmlClockFreq& member) {
+    return {member.freq, member.freq + std::min<uint32_t>(member.count, DK_SML_CLOCK_MAX_VALUES)};
+}
+
+// Every label with distinct values, so a slip between members shows.
+constexpr const char* c_allLabels =
+    "csc clock: 100\n"
+    "dla clock: 200\n"
+    "xcore clock: 300 301\n"
+    "mc clock: 400\n"
+    "mc0 clock: 500\n"
+    "mc1 clock: 600\n"
+    "vpue clock: 700\n"
+    "vpud clock: 800 801 802 803\n"
+    "soc clock: 900\n"
+    "dnoc clock: 1000\n"
+    "gpu clock: 1100\n"
+    "ccx clock: 1200\n"
+    "xpu clock: 1300\n";
+
+class ClockTest : public ::testing::Test {
+protected:
+    FakeDevice device;
+    DkClock clock;
+    DkSmlClocksFreqForAll all{};
+};
+
+TEST_F(ClockTest, FillsMembersFromTheirLabelsAndZeroesTheRest) {
+    device.Serve(0, DRAVIK_SMI_SHOWCLOCKS, "csc clock: 800\nxcore clock: 1000 1100\n");
+    ASSERT_EQ(clock.GetClocksFreq(&device, &all), DK_SML_SUCCESS);
+    EXPECT_EQ(Values(all.csc), (std::vector<uint32_t>{800}));
+    EXPECT_EQ(Values(all.xcore), (std::vector<uint32_t>{1000, 1100}));
+    for (const DkSmlClockFreq* other : {&all.dla, &all.mc, &all.mc0, &all.mc1, &all.vpue, &all.vpud, &all.soc,
+                                        &all.dnoc, &all.gpu, &all.ccx, &all.xpu}) {
+        EXPECT_EQ(other->count, 0u);
+    }
+}
+
+TEST_F(ClockTest, PartnerVendorOffsetSkipsDlaMcAndGpu) {
+    device.vendorId = 7713;  // ends in 3: offset 8
+    device.Serve(0, DRAVIK_SMI_SHOWCLOCKS, c_allLabels);
+    ASSERT_EQ(clock.GetClocksFreq(&device, &all), DK_SML_SUCCESS);
+
+    EXPECT_EQ(Values(all.csc), (std::vector<uint32_t>{108}));
+    EXPECT_EQ(Values(all.xcore), (std::vector<uint32_t>{308, 309}));
+    EXPECT_EQ(Values(all.mc0), (std::vector<uint32_t>{508}));
+    EXPECT_EQ(Values(all.mc1), (std::vector<uint32_t>{608}));
+    EXPECT_EQ(Values(all.vpue), (std::vector<uint32_t>{708}));
+    EXPECT_EQ(Values(all.vpud), (std::vector<uint32_t>{808, 809, 810, 811}));
+    EXPECT_EQ(Values(all.soc), (std::vector<uint32_t>{908}));
+    EXPECT_EQ(Values(all.dnoc), (std::vector<uint32_t>{1008}));
+    EXPECT_EQ(Values(all.ccx), (std::vector<uint32_t>{1208}));
+    EXPECT_EQ(Values(all.xpu), (std::vector<uint32_t>{1308}));
+    // Never adjusted.
+    EXPECT_EQ(Values(all.dla), (std::vector<uint32_t>{200}));
+    EXPECT_EQ(Values(all.mc), (std::vector<uint32_t>{400}));
+    EXPECT_EQ(Values(all.gpu), (std::vector<uint32_t>{1100}));
+}
+
+TEST_F(ClockTest, MoreThanNineValuesStayInsideTheirMember) {
+    device.Serve(0, DRAVIK_SMI_SHOWCLOCKS, "xcore clock: 1 2 3 4 5 6 7 8 9 10 11 12\nmc clock: 77\n");
+    ASSERT_EQ(clock.GetClocksFreq(&device, &all), DK_SML_SUCCESS);
+    EXPECT_EQ(all.xcore.count, 9u);
+    EXPECT_EQ(Values(all.xcore), (std::vector<uint32_t>{1, 2, 3, 4, 5, 6, 7, 8, 9}));
+    EXPECT_EQ(Values(all.mc), (std::vector<uint32_t>{77}));
+}
+
+TEST_F(ClockTest, UnsupportedLineIsSkipped) {
+    device.Serve(0, DRAVIK_SMI_SHOWCLOCKS, "gpu clock: not support\ncsc clock: 800\n");
+    ASSERT_EQ(clock.GetClocksFreq(&device, &all), DK_SML_SUCCESS);
+    EXPECT_EQ(all.gpu.count, 0u);
+    EXPECT_EQ(all.csc.count, 1u);
+}
+
+TEST_F(ClockTest, ReadsTheRequestedDie) {
+    device.dieCount = 2;
+    device.Serve(0, DRAVIK_SMI_SHOWCLOCKS, "csc clock: 1\n");
+    device.Serve(1, DRAVIK_SMI_SHOWCLOCKS, "csc clock: 2\n");
+    ASSERT_EQ(clock.GetDieClocksFreq(&device, 1, &all), DK_SML_SUCCESS);
+    EXPECT_EQ(Values(all.csc), (std::vector<uint32_t>{2}));
+}
+
+struct BadClockText {
+    const char* name;
+    const char* text;
+    DkSmlReturn expected;
+};
+
+class ClockBadTextTest : public ClockTest, public ::testing::WithParamInterface<BadClockText> {};
+
+TEST_P(ClockBadTextTest, AnswersWithAStatus) {
+    device.Serve(0, DRAVIK_SMI_SHOWCLOCKS, GetParam().text);
+    EXPECT_EQ(clock.GetClocksFreq(&device, &all), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Texts, ClockBadTextTest,
+                         ::testing::Values(BadClockText{"Empty", "", DK_SML_ERROR_SYSFS},
+                                           BadClockText{"OnlyUnsupported", "gpu clock: not support\n", DK_SML_ERROR_SYSFS},
+                                           BadClockText{"NoColon", "csc clock 800\n", DK_SML_ERROR_SYSFS},
+                                           BadClockText{"EmptyLabel", ": 800\n", DK_SML_ERROR_SYSFS},
+                                           BadClockText{"Garbage", "\x01\x02\xff\n", DK_SML_ERROR_SYSFS}),
+                         ParamName());
+
+TEST_F(ClockTest, VirtualFunctionIsRefusedWithoutDriverAccess) {
+    device.isVf = true;
+    device.Serve(0, DRAVIK_SMI_SHOWCLOCKS, "csc clock: 800\n");
+    device.Serve(0, DRAVIK_SMI_PMDECSRC, "pmdecsrc: 1\n");
+    DkSmlClockStatusForAll status{};
+    uint32_t count = 9, freqs[9];
+    uint64_t mask = 0;
+    EXPECT_EQ(clock.GetClocksFreq(&device, &all), DK_SML_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(clock.GetRealClocksFreq(&device, &all, &status), DK_SML_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(clock.GetIpClocksFreq(&device, DK_SML_CLOCK_IP_CSC, &count, freqs), DK_SML_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(clock.GetCurrentClocksThrottleReason(&device, &mask), DK_SML_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(device.fetchCount, 0);
+    EXPECT_TRUE(device.writes.empty());
+}
+
+TEST_F(ClockTest, FetchErrorIsPassedUp) {
+    device.Fail(0, DRAVIK_SMI_SHOWCLOCKS, DK_SML_ERROR_SYSFS);
+    EXPECT_EQ(clock.GetClocksFreq(&device, &all), DK_SML_ERROR_SYSFS);
+    EXPECT_EQ(clock.GetClocksFreq(nullptr, &all), DK_SML_ERROR_INVALID_INPUT);
+}
+
+// Real clocks ----------------------------------------------------------------
+
+TEST_F(ClockTest, RealClocksSelectTheReportFirstAndFillStates) {
+    device.vendorId = 7713;
+    device.dieCount = 2;
+    device.Serve(1, DRAVIK_SMI_SHOWCLOCKS, "csc clock: 800\ncsc status: 1\nxcore status: 1 0 1\n");
+    DkSmlClockStatusForAll status{};
+    ASSERT_EQ(clock.GetDieRealClocksFreq(&device, 1, &all, &status), DK_SML_SUCCESS);
+
+    ASSERT_EQ(device.writes.size(), 1u);
+    EXPECT_EQ(device.writes[0].die, 1u);
+    EXPECT_EQ(device.writes[0].op, DRAVIK_SMI_SHOWCLOCKS);
+    EXPECT_EQ(device.writes[0].text, "4");
+    EXPECT_EQ(Values(all.csc), (std::vector<uint32_t>{808}));
+    // States are the driver's codes: no vendor offset.
+    EXPECT_EQ(status.csc.count, 1u);
+    EXPECT_EQ(status.csc.status[0], 1u);
+    EXPECT_EQ(status.xcore.count, 3u);
+    EXPECT_EQ(status.xcore.status[1], 0u);
+    EXPECT_EQ(status.gpu.count, 0u);
+}
+
+TEST_F(ClockTest, RealClocksStopAtARefusedWrite) {
+    device.writeResult = DK_SML_ERROR_SYSFS_WRITE;
+    device.Serve(0, DRAVIK_SMI_SHOWCLOCKS, "csc clock: 800\n");
+    DkSmlClockStatusForAll status{};
+    EXPECT_EQ(clock.GetRealClocksFreq(&device, &all, &status), DK_SML_ERROR_SYSFS_WRITE);
+    EXPECT_EQ(device.fetchCount, 0);
+}
+
+// One IP ---------------------------------------------------------------------
+
+struct IpCase {
+    const char* name;
+    const char* text;
+    DkSmlClockIp ip;
+    DkSmlReturn expected;
+    std::vector<uint32_t> values;
+};
+
+class ClockIpTest : public ClockTest, public ::testing::WithParamInterface<IpCase> {};
+
+TEST_P(ClockIpTest, ReadsOneIp) {
+    device.Serve(0, DRAVIK_SMI_SHOWCLOCKS, GetParam().text);
+    uint32_t freqs[16] = {};
+    uint32_t count = 16;
+    ASSERT_EQ(clock.GetIpClocksFreq(&device, GetParam().ip, &count, freqs), GetParam().expected);
+    if (GetParam().expected != DK_SML_SUCCESS) return;
+    EXPECT_EQ(std::vector<uint32_t>(freqs, freqs + count), GetParam().values);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, ClockIpTest,
+    ::testing::Values(
+        IpCase{"XpuFeedsVpud", "xpu clock: 1 2 3 4 5 6\n", DK_SML_CLOCK_IP_VPUD, DK_SML_SUCCESS, {2, 3, 4, 5}},
+        IpCase{"XpuFeedsVpue", "xpu clock: 1 2 3 4 5 6\n", DK_SML_CLOCK_IP_VPUE, DK_SML_SUCCESS, {1}},
+        IpCase{"XpuFeedsCcx", "xpu clock: 1 2 3 4 5 6\n", DK_SML_CLOCK_IP_CCX, DK_SML_SUCCESS, {6}},
+        IpCase{"XpuReplacesOwnLines", "ccx clock: 99\nxpu clock: 1 2 3 4 5 6\n", DK_SML_CLOCK_IP_CCX,
+               DK_SML_SUCCESS, {6}},
+        IpCase{"XpuWithFiveValues", "xpu clock: 1 2 3 4 5\ncsc clock: 8\n", DK_SML_CLOCK_IP_CSC,
+               DK_SML_ERROR_FAILURE, {}},
+        IpCase{"XpuWithSevenValues", "xpu clock: 1 2 3 4 5 6 7\n", DK_SML_CLOCK_IP_XPU, DK_SML_ERROR_FAILURE, {}},
+        IpCase{"LabelFoundAsSubstring", "die0 gpu clock: 1500\n", DK_SML_CLOCK_IP_GPU, DK_SML_SUCCESS, {1500}},
+        IpCase{"McIsNotMc0", "mc0 clock: 1\n", DK_SML_CLOCK_IP_MC, DK_SML_ERROR_NOT_SUPPORTED, {}},
+        IpCase{"MoreThanNineValues", "dla clock: 1 2 3 4 5 6 7 8 9 10 11\n", DK_SML_CLOCK_IP_DLA, DK_SML_SUCCESS,
+               {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}},
+        IpCase{"Absent", "csc clock: 800\n", DK_SML_CLOCK_IP_SOC, DK_SML_ERROR_NOT_SUPPORTED, {}},
+        IpCase{"NoUsableLine", "", DK_SML_CLOCK_IP_SOC, DK_SML_ERROR_NOT_SUPPORTED, {}}),
+    ParamName());
+
+TEST_F(ClockTest, IpCapacityTooSmallReportsTheNeededCount) {
+    device.Serve(0, DRAVIK_SMI_SHOWCLOCKS, "vpud clock: 1 2 3 4\n");
+    uint32_t freqs[3] = {7, 7, 7};
+    uint32_t count = 3;
+    EXPECT_EQ(clock.GetIpClocksFreq(&device, DK_SML_CLOCK_IP_VPUD, &count, freqs), DK_SML_ERROR_INSUFFICIENT_SIZE);
+    EXPECT_EQ(count, 4u);
+    EXPECT_EQ(freqs[0], 7u);
+}
+
+TEST_F(ClockTest, IpVendorOffsetOnlyForTrainingBrands) {
+    struct Case {
+        DkSmlDeviceBrand brand;
+        uint32_t vendorId;
+        uint32_t expected;
+    };
+    for (const Case& c : {Case{DK_SML_BRAND_DKK, 7713, 808}, Case{DK_SML_BRAND_DKK_X, 7713, 808},
+                          Case{DK_SML_BRAND_DKQ, 7713, 800}, Case{DK_SML_BRAND_DKZ, 7713, 800},
+                          Case{DK_SML_BRAND_DKK, c_makerVendorId, 800}}) {
+        FakeDevice dev;
+        dev.brand = c.brand;
+        dev.vendorId = c.vendorId;
+        dev.Serve(0, DRAVIK_SMI_SHOWCLOCKS, "gpu clock: 800\n");
+        uint32_t freq = 0, count = 1;
+        ASSERT_EQ(clock.GetIpClocksFreq(&dev, DK_SML_CLOCK_IP_GPU, &count, &freq), DK_SML_SUCCESS);
+        EXPECT_EQ(freq, c.expected) << "brand " << c.brand << " vendor " << c.vendorId;
+    }
+}
+
+TEST_F(ClockTest, IpOutOfRangeIsInvalidInput) {
+    uint32_t freq = 0, count = 1;
+    EXPECT_EQ(clock.GetIpClocksFreq(&device, static_cast<DkSmlClockIp>(13), &count, &freq),
+              DK_SML_ERROR_INVALID_INPUT);
+}
+
+// Throttle reasons -----------------------------------------------------------
+
+TEST_F(ClockTest, DeviceMaskIsTheOrOfItsDies) {
+    device.dieCount = 2;
+    device.Serve(0, DRAVIK_SMI_PMDECSRC, "pmdecsrc: 1\n");
+    device.Serve(1, DRAVIK_SMI_PMDECSRC, "pmdecsrc: 4\n");
+    uint64_t mask = 0;
+    ASSERT_EQ(clock.GetCurrentClocksThrottleReason(&device, &mask), DK_SML_SUCCESS);
+    EXPECT_EQ(mask, 5u);
+}
+
+TEST_F(ClockTest, FailingSecondDieEndsTheOrWithItsCode) {
+    device.dieCount = 2;
+    device.Serve(0, DRAVIK_SMI_PMDECSRC, "pmdecsrc: 1\n");
+    device.Serve(1, DRAVIK_SMI_PMDECSRC, "pmdecsrc: garbage\n");
+    uint64_t mask = 0xff;
+    EXPECT_EQ(clock.GetCurrentClocksThrottleReason(&device, &mask), DK_SML_ERROR_SYSFS);
+    EXPECT_EQ(mask, 1u);
+}
+
+struct MaskCase {
+    const char* name;
+    const char* text;
+    DkSmlReturn expected;
+    uint64_t mask;
+};
+
+class ThrottleTextTest : public ClockTest, public ::testing::WithParamInterface<MaskCase> {};
+
+TEST_P(ThrottleTextTest, ParsesTheFirstLine) {
+    device.Serve(0, DRAVIK_SMI_PMDECSRC, GetParam().text);
+    uint64_t mask = 0;
+    ASSERT_EQ(clock.GetDieCurrentClocksThrottleReason(&device, 0, &mask), GetParam().expected);
+    if (GetParam().expected == DK_SML_SUCCESS) {
+        EXPECT_EQ(mask, GetParam().mask);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, ThrottleTextTest,
+    ::testing::Values(MaskCase{"Labelled", "pmdecsrc: 18\n", DK_SML_SUCCESS, 18},
+                      MaskCase{"Bare", "6\n", DK_SML_SUCCESS, 6},
+                      MaskCase{"Full64Bits", "pmdecsrc: 18446744073709551615\n", DK_SML_SUCCESS, UINT64_MAX},
+                      MaskCase{"OnlyFirstLineCounts", "pmdecsrc: 2\nother: 8\n", DK_SML_SUCCESS, 2},
+                      MaskCase{"Empty", "", DK_SML_ERROR_SYSFS, 0},
+                      MaskCase{"NoNumber", "pmdecsrc: not support\n", DK_SML_ERROR_SYSFS, 0}),
+    ParamName());
+
+}  // namespace
+}  // namespace dksml::test

@@ -1,0 +1,134 @@
+// A device that serves canned attribute text per (die, request) and records
+// every write, for testing feature services without a driver tree.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/dk_pci_ids.h"
+#include "core/idk_device.h"
+
+namespace dksml::test {
+
+struct DriverWrite {
+    unsigned int die;
+    dravik_smi_opcode op;
+    std::string text;
+};
+
+class FakeDevice : public IDkDevice {
+public:
+    // Attribute text of one die; a request with no text answers 3, as an
+    // absent attribute does.
+    void Serve(unsigned int die, dravik_smi_opcode op, std::string text) { m_texts[{die, op}] = std::move(text); }
+    void Fail(unsigned int die, dravik_smi_opcode op, DkSmlReturn code) { m_failures[{die, op}] = code; }
+
+    uint32_t vendorId = c_makerVendorId;
+    DkSmlDeviceBrand brand = DK_SML_BRAND_DKK;
+    bool isVf = false;
+    uint32_t dieCount = 1;
+    std::string smiPath = "/nonexistent/smi/";
+    DkSmlReturn writeResult = DK_SML_SUCCESS;
+
+    std::vector<DriverWrite> writes;
+    int fetchCount = 0;
+
+    DkSmlReturn FetchDriverData(unsigned int dieId, dravik_smi_opcode op, std::string& text) override {
+        ++fetchCount;
+        if (auto failure = m_failures.find({dieId, op}); failure != m_failures.end()) return failure->second;
+        auto found = m_texts.find({dieId, op});
+        if (found == m_texts.end()) return DK_SML_ERROR_NOT_SUPPORTED;
+        text = found->second;
+        return DK_SML_SUCCESS;
+    }
+    DkSmlReturn SetDriverData(unsigned int dieId, dravik_smi_opcode op, const std::string& text) override {
+        writes.push_back({dieId, op, text});
+        return writeResult;
+    }
+
+    std::string GetSmiPath(unsigned int) const override { return smiPath; }
+    uint32_t GetVendorId() const override { return vendorId; }
+    bool IsVf() const override { return isVf; }
+    bool IsPf() const override { return !isVf; }
+    DkSmlDeviceBrand GetDeviceBrand() const override { return brand; }
+    uint32_t GetDieCount() const override { return dieCount; }
+
+    // Everything below is identity the telemetry services never ask for.
+    std::string GetDeviceDir() const override { return {}; }
+    uint32_t GetDriverGpuId(unsigned int) const override { return 0; }
+    uint32_t GetBdfIdUint() const override { return 0; }
+    uint32_t GetDeviceId() const override { return 0; }
+    DkSmlReturn GetDeviceInfo(DkSmlDeviceInfo*) const override { return DK_SML_ERROR_NOT_SUPPORTED; }
+    uint32_t GetNumOfVirtualizedDevice() const override { return 0; }
+    uint32_t GetVfIndex() const override { return 0; }
+    std::string GetNodePath() const override { return {}; }
+    std::vector<uint32_t> GetDpcIds() const override { return {}; }
+    IDkDevice* GetPfAncestor() const override { return nullptr; }
+    bool IsDkqHarvest() const override { return false; }
+    bool IsDkq7e() const override { return false; }
+    bool IsDkk2() const override { return false; }
+    bool IsDkk3() const override { return false; }
+    bool IsDkMCM() const override { return false; }
+    DkSmlReturn GetDeviceState(int32_t*) override { return DK_SML_ERROR_NOT_SUPPORTED; }
+    uint32_t GetDieId() const override { return 0; }
+    DkSmlIsaVersion GetIsaVersion() const override { return {}; }
+    bool IsDkq9() const override { return false; }
+    bool IsDkk6() const override { return false; }
+    bool IsDkk6u() const override { return false; }
+    bool IsDkk6Series() const override { return false; }
+    bool IsDkq8() const override { return false; }
+    DkSmlReturn GetBoardType(uint32_t*, char*) const override { return DK_SML_ERROR_NOT_SUPPORTED; }
+    DkSmlReturn SetRegisterData(unsigned int, unsigned long, unsigned int) override { return DK_SML_ERROR_NOT_SUPPORTED; }
+    DkSmlReturn GetRegisterData(unsigned int, unsigned long, unsigned int*) override {
+        return DK_SML_ERROR_NOT_SUPPORTED;
+    }
+    const DkSysInfo& GetSysInfo() const override { return m_sysInfo; }
+    DkSmlReturn Initialize() override { return DK_SML_SUCCESS; }
+    uint32_t GetVendorDeviceId() const override { return 0; }
+    void SetDeviceId(uint32_t) override {}
+    void SetDeviceGpuId(uint32_t) override {}
+    void SetDeviceNodeId(uint32_t) override {}
+    void SetDeviceRenderId(uint32_t) override {}
+    void SetDeviceCardId(uint32_t) override {}
+    void SetDeviceUuid(const std::string&) override {}
+    void SetDeviceDpcIds(const std::vector<uint32_t>&) override {}
+    void SetDeviceNodePath(const std::string&) override {}
+    void SetDeviceVirtualizationMode(DkSmlDeviceVirtualizationMode) override {}
+    void SetDieCount() override {}
+    void SetBdfId(const std::string&) override {}
+    DkSmlReturn SetDieId() override { return DK_SML_SUCCESS; }
+    std::string GetDeviceUuid() const override { return {}; }
+    std::vector<uint32_t> GetVirtualDevices() const override { return {}; }
+    uint32_t GetApAvailableInfo() const override { return 0; }
+    DkSmlReturn GetPciInfo(DkPciInfoRecord*) const override { return DK_SML_ERROR_NOT_SUPPORTED; }
+    std::string GetBdfId() const override { return {}; }
+    uint32_t GetSubsystemDeviceId() const override { return 0; }
+    uint32_t GetSubsystemVendorId() const override { return 0; }
+    void AddVirtualizedDevice(uint32_t, std::shared_ptr<IDkDevice>) override {}
+    void AddVfList(uint32_t) override {}
+    std::vector<uint32_t> GetVfList() const override { return {}; }
+    std::string GetDeviceName() const override { return {}; }
+    void SetDeviceBrand() override {}
+    DkSmlReturn GetDeviceRealPath(char*, uint32_t*) const override { return DK_SML_ERROR_NOT_SUPPORTED; }
+    DkSmlReturn GetDeviceUnavailableReason(DkSmlDeviceUnavailableReasonInfo*) override {
+        return DK_SML_ERROR_NOT_SUPPORTED;
+    }
+    DkSmlReturn GetDieUnavailableReason(unsigned int, DkSmlDeviceUnavailableReasonInfo*) override {
+        return DK_SML_ERROR_NOT_SUPPORTED;
+    }
+    void SetDriverDataHandler(std::shared_ptr<IDkDriverDataHandler>) override {}
+    void SetAttributeWithHandler(const DkSysInfo&, std::shared_ptr<IDkDriverDataHandler>) override {}
+    uint32_t GetRenderId() const override { return 0; }
+    uint32_t GetCardId() const override { return 0; }
+    uint32_t GetNodeId() const override { return 0; }
+
+private:
+    std::map<std::pair<unsigned int, dravik_smi_opcode>, std::string> m_texts;
+    std::map<std::pair<unsigned int, dravik_smi_opcode>, DkSmlReturn> m_failures;
+    DkSysInfo m_sysInfo;
+};
+
+}  // namespace dksml::test

@@ -1,0 +1,132 @@
+// DkFan and DkVoltageMonitor against canned "fan_ctrl" and "showvmread" text.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "features/fan/dk_fan.h"
+#include "features/voltage/dk_voltage.h"
+#include "telemetry/fake_device.h"
+#include "telemetry/param_name.h"
+
+namespace dksml::test {
+namespace {
+
+struct FanCase {
+    const char* name;
+    const char* text;
+    DkSmlReturn expected;
+    uint32_t rpm, pwm;
+};
+
+class FanTextTest : public ::testing::TestWithParam<FanCase> {
+protected:
+    FakeDevice device;
+    DkFan fan;
+};
+
+TEST_P(FanTextTest, NeedsExactlyOneSpeedAndOneDuty) {
+    device.Serve(0, DRAVIK_SMI_FAN_CTRL, GetParam().text);
+    uint32_t rpm = 0, pwm = 0;
+    ASSERT_EQ(fan.GetFanSpeedInfo(&device, &rpm, &pwm), GetParam().expected);
+    if (GetParam().expected != DK_SML_SUCCESS) return;
+    EXPECT_EQ(rpm, GetParam().rpm);
+    EXPECT_EQ(pwm, GetParam().pwm);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, FanTextTest,
+    ::testing::Values(FanCase{"Both", "fan_rpm: 2400\nfan_pwm: 128\n", DK_SML_SUCCESS, 2400, 128},
+                      FanCase{"EitherOrder", "fan_pwm: 90\nfan_rpm: 1800\n", DK_SML_SUCCESS, 1800, 90},
+                      FanCase{"KeysBySubstring", "fan_rpm_0: 1\nboard fan_pwm: 2\nfan_mode: 3\n", DK_SML_SUCCESS, 1, 2},
+                      FanCase{"SpeedOnly", "fan_rpm: 2400\n", DK_SML_ERROR_NOT_SUPPORTED, 0, 0},
+                      FanCase{"DutyTwice", "fan_rpm: 2400\nfan_pwm: 128\nfan_pwm: 129\n", DK_SML_ERROR_NOT_SUPPORTED,
+                              0, 0},
+                      FanCase{"Empty", "", DK_SML_ERROR_NOT_SUPPORTED, 0, 0},
+                      FanCase{"Malformed", "fan_rpm 2400\n", DK_SML_ERROR_SYSFS, 0, 0}),
+    ParamName());
+
+TEST(FanTest, AlwaysReadsAndWritesDieZero) {
+    FakeDevice device;
+    device.dieCount = 2;
+    device.Serve(0, DRAVIK_SMI_FAN_CTRL, "fan_rpm: 1\nfan_pwm: 2\n");
+    DkFan fan;
+    uint32_t rpm = 0, pwm = 0;
+    EXPECT_EQ(fan.GetFanSpeedInfo(&device, &rpm, &pwm), DK_SML_SUCCESS);
+    EXPECT_EQ(fan.SetFanPwm(&device, 4000000000u), DK_SML_SUCCESS);
+    ASSERT_EQ(device.writes.size(), 1u);
+    EXPECT_EQ(device.writes[0].die, 0u);
+    EXPECT_EQ(device.writes[0].op, DRAVIK_SMI_FAN_CTRL);
+    EXPECT_EQ(device.writes[0].text, "4000000000");
+}
+
+TEST(FanTest, GateRefusesOtherBrandsAndVirtualFunctions) {
+    DkFan fan;
+    uint32_t rpm = 0, pwm = 0;
+    for (auto [brand, isVf] : {std::pair{DK_SML_BRAND_DKQ, false}, std::pair{DK_SML_BRAND_DKZ, false},
+                               std::pair{DK_SML_BRAND_DKK, true}, std::pair{DK_SML_BRAND_DKK_X, true}}) {
+        FakeDevice device;
+        device.brand = brand;
+        device.isVf = isVf;
+        device.Serve(0, DRAVIK_SMI_FAN_CTRL, "fan_rpm: 1\nfan_pwm: 2\n");
+        EXPECT_EQ(fan.GetFanSpeedInfo(&device, &rpm, &pwm), DK_SML_ERROR_NOT_SUPPORTED);
+        EXPECT_EQ(fan.SetFanPwm(&device, 5), DK_SML_ERROR_NOT_SUPPORTED);
+        EXPECT_EQ(device.fetchCount, 0);
+        EXPECT_TRUE(device.writes.empty());
+    }
+}
+
+// Voltage monitor ------------------------------------------------------------
+
+class VoltageTest : public ::testing::Test {
+protected:
+    FakeDevice device;
+    DkVoltageMonitor monitor;
+    DkSmlVmInfo entries[4]{};
+};
+
+TEST_F(VoltageTest, RowsAndCounts) {
+    device.Serve(1, DRAVIK_SMI_SHOWVMREAD,
+                 "vm0: 850 851 852\nvm1: 1 2 x 4\nvm2: 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17\nvm3:\n");
+    uint32_t count = 4;
+    ASSERT_EQ(monitor.GetDieVmInfo(&device, 1, &count, entries), DK_SML_SUCCESS);
+    EXPECT_EQ(count, 4u);
+    EXPECT_EQ(entries[0].count, 3);
+    EXPECT_EQ(entries[0].readings[2], 852);
+    EXPECT_EQ(entries[0].readings[3], -1);
+    EXPECT_EQ(entries[1].count, 2);
+    EXPECT_EQ(entries[1].readings[2], -1);
+    EXPECT_EQ(entries[2].count, 16);
+    EXPECT_EQ(entries[2].readings[15], 16);
+    EXPECT_EQ(entries[3].count, 0);
+}
+
+TEST_F(VoltageTest, SmallCapacityReportsTheLineCountAndFillsNothing) {
+    device.Serve(0, DRAVIK_SMI_SHOWVMREAD, "vm0: 1\nvm1: 2\nvm2: 3\n");
+    entries[0].count = 77;
+    uint32_t count = 2;
+    EXPECT_EQ(monitor.GetVmInfo(&device, &count, entries), DK_SML_ERROR_INSUFFICIENT_SIZE);
+    EXPECT_EQ(count, 3u);
+    EXPECT_EQ(entries[0].count, 77);
+
+    count = 0;
+    EXPECT_EQ(monitor.GetVmInfo(&device, &count, nullptr), DK_SML_ERROR_INSUFFICIENT_SIZE);
+    EXPECT_EQ(count, 3u);
+}
+
+TEST_F(VoltageTest, LargerCapacityIsTrimmedToTheLineCount) {
+    device.Serve(0, DRAVIK_SMI_SHOWVMREAD, "vm0: 1\n");
+    uint32_t count = 4;
+    ASSERT_EQ(monitor.GetVmInfo(&device, &count, entries), DK_SML_SUCCESS);
+    EXPECT_EQ(count, 1u);
+}
+
+TEST_F(VoltageTest, ErrorsAndNullArguments) {
+    uint32_t count = 4;
+    EXPECT_EQ(monitor.GetVmInfo(&device, &count, entries), DK_SML_ERROR_NOT_SUPPORTED);  // no attribute
+    EXPECT_EQ(monitor.GetVmInfo(&device, nullptr, entries), DK_SML_ERROR_INVALID_INPUT);
+    EXPECT_EQ(monitor.GetVmInfo(&device, &count, nullptr), DK_SML_ERROR_INVALID_INPUT);
+}
+
+}  // namespace
+}  // namespace dksml::test

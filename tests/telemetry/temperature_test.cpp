@@ -1,0 +1,248 @@
+// DkTemperature against canned "showtemp" text and "showtstemp" files.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "features/temperature/dk_temperature.h"
+#include "telemetry/fake_device.h"
+#include "telemetry/param_name.h"
+
+namespace dksml::test {
+namespace {
+
+constexpr int32_t c_invalid = DK_SML_TEMPERATURE_INVALID;
+
+class TemperatureTest : public ::testing::Test {
+protected:
+    DkSmlTemperature ReadDie(const std::string& text) {
+        device.Serve(0, DRAVIK_SMI_SHOWTEMP, text);
+        DkSmlTemperature t;
+        temperature.InitTemperature(&t);
+        EXPECT_EQ(temperature.GetDieTemperature(&device, 0, &t), DK_SML_SUCCESS);
+        return t;
+    }
+
+    FakeDevice device;
+    DkTemperature temperature;
+};
+
+// Whole structure of one die -------------------------------------------------
+
+struct KeyCase {
+    const char* name;
+    const char* text;
+    int32_t DkSmlTemperature::*field;
+    int32_t expected;
+};
+
+class TemperatureKeyTest : public TemperatureTest, public ::testing::WithParamInterface<KeyCase> {};
+
+TEST_P(TemperatureKeyTest, KeyLandsInItsField) {
+    DkSmlTemperature t = ReadDie(GetParam().text);
+    EXPECT_EQ(t.*GetParam().field, GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Keys, TemperatureKeyTest,
+    ::testing::Values(
+        KeyCase{"XcoreFillsCore", "xcore_temp: 61\n", &DkSmlTemperature::core, 61},
+        KeyCase{"HotspotBeatsCore", "core_hotspot: 70\n", &DkSmlTemperature::hotspot, 70},
+        KeyCase{"HotspotKeyLeavesCore", "core_hotspot: 70\n", &DkSmlTemperature::core, c_invalid},
+        KeyCase{"Tmp435U1LocalFillsEmcLocal", "tmp435_u1_local: 33\n", &DkSmlTemperature::emcLocal, 33},
+        KeyCase{"LaterEmcLocalLineWins", "emclocal: 31\ntmp435_u1_local: 33\n", &DkSmlTemperature::emcLocal, 33},
+        KeyCase{"Tmp435U2LocalFillsSgm", "tmp435_u2_local: 34\n", &DkSmlTemperature::sgm, 34},
+        KeyCase{"SgmMatchesShortName", "sgm: 40\n", &DkSmlTemperature::sgm, 40},
+        KeyCase{"Tmp435U1Remote", "tmp435_u1_remote: 35\n", &DkSmlTemperature::tmp435U1Remote, 35},
+        KeyCase{"EmcRemote", "emcremote: 36\n", &DkSmlTemperature::emcRemote, 36},
+        KeyCase{"NegativeValue", "soc: -12\n", &DkSmlTemperature::soc, -12},
+        KeyCase{"UnknownKeyIgnored", "board: 20\n", &DkSmlTemperature::soc, c_invalid},
+        KeyCase{"MemCtrlMaxFromBoth", "mc0: 50\nmc1: 52\n", &DkSmlTemperature::memCtrlMax, 52},
+        KeyCase{"MemCtrlMaxNeedsBoth", "mc0: 50\n", &DkSmlTemperature::memCtrlMax, c_invalid},
+        KeyCase{"HottestSensor", "sensor[3]: 60\nsensor[12]: 71\nsensor[5]: 65\n",
+                &DkSmlTemperature::hottestSensorIndex, 12},
+        KeyCase{"SensorTieKeepsFirst", "sensor[3]: 70\nsensor[5]: 70\n", &DkSmlTemperature::hottestSensorIndex, 3},
+        KeyCase{"SensorIsNotASocKey", "sensor[4]: 90\n", &DkSmlTemperature::soc, c_invalid},
+        KeyCase{"SensorWithoutIndexIgnored", "sensor[]: 90\nsensor[2]: 50\n",
+                &DkSmlTemperature::hottestSensorIndex, 2},
+        KeyCase{"HugeValueClamped", "soc: 99999999999\n", &DkSmlTemperature::soc, INT32_MAX}),
+    ParamName());
+
+TEST_F(TemperatureTest, DieReadPassesErrorsUp) {
+    DkSmlTemperature t;
+    temperature.InitTemperature(&t);
+    EXPECT_EQ(temperature.GetDieTemperature(&device, 0, &t), DK_SML_ERROR_NOT_SUPPORTED);  // no attribute
+    device.Serve(0, DRAVIK_SMI_SHOWTEMP, "hotspot 65\n");
+    EXPECT_EQ(temperature.GetDieTemperature(&device, 0, &t), DK_SML_ERROR_SYSFS);
+}
+
+// Merge over dies ------------------------------------------------------------
+
+TEST_F(TemperatureTest, SingleMergeRule) {
+    struct Case {
+        int32_t kept, candidate, expected;
+    };
+    for (const Case& c : {Case{c_invalid, 40, 40}, Case{30, 40, 40}, Case{50, 40, 50}, Case{50, c_invalid, 50},
+                          Case{50, 70000, 50}, Case{c_invalid, -5, -5}, Case{-10, -5, -5}, Case{70000, 3, 3}}) {
+        int32_t kept = c.kept;
+        temperature.ExtractSingleHighestTemp(kept, c.candidate);
+        EXPECT_EQ(kept, c.expected) << c.kept << " vs " << c.candidate;
+    }
+}
+
+TEST_F(TemperatureTest, TwoDieMergeIgnoresInvalidAndTakesTheLarger) {
+    device.dieCount = 2;
+    device.Serve(0, DRAVIK_SMI_SHOWTEMP, "hotspot: 65535\nsoc: 55\ncore: 60\nsensor[7]: 80\n");
+    device.Serve(1, DRAVIK_SMI_SHOWTEMP, "hotspot: 62\nsoc: 57\nhbm: 1\nmc0: -3\nsensor[2]: 90\n");
+    DkSmlTemperature t{};
+    ASSERT_EQ(temperature.GetTemperature(&device, &t), DK_SML_SUCCESS);
+    EXPECT_EQ(t.hotspot, 62);
+    EXPECT_EQ(t.soc, 57);
+    EXPECT_EQ(t.core, 60);
+    EXPECT_EQ(t.mc0, -3);          // a negative reading beats no reading
+    EXPECT_EQ(t.mc1, c_invalid);
+    EXPECT_EQ(t.memCtrlMax, c_invalid);
+    EXPECT_EQ(t.hottestSensorIndex, 7);  // largest index, not the hottest die's
+    EXPECT_EQ(t.hotLimit, c_invalid);
+}
+
+TEST_F(TemperatureTest, MergeStopsAtAFailingDie) {
+    device.dieCount = 2;
+    device.Serve(0, DRAVIK_SMI_SHOWTEMP, "soc: 55\n");
+    device.Fail(1, DRAVIK_SMI_SHOWTEMP, DK_SML_ERROR_SYSFS);
+    DkSmlTemperature t{};
+    EXPECT_EQ(temperature.GetTemperature(&device, &t), DK_SML_ERROR_SYSFS);
+}
+
+// Single values --------------------------------------------------------------
+
+struct SingleCase {
+    const char* name;
+    const char* text;
+    DkSmlTemperatureSensors sensor;
+    DkSmlReturn expected;
+    int32_t value;
+};
+
+class TemperatureSingleTest : public TemperatureTest, public ::testing::WithParamInterface<SingleCase> {};
+
+TEST_P(TemperatureSingleTest, ReadsOneValue) {
+    device.Serve(0, DRAVIK_SMI_SHOWTEMP, GetParam().text);
+    int32_t value = -999;
+    ASSERT_EQ(temperature.GetDieTemperature(&device, 0, GetParam().sensor, &value), GetParam().expected);
+    if (GetParam().expected == DK_SML_SUCCESS) {
+        EXPECT_EQ(value, GetParam().value);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Selectors, TemperatureSingleTest,
+    ::testing::Values(
+        SingleCase{"Hotspot", "soc: 50\nhotspot: 65\n", DK_SML_TEMPERATURE_HOTSPOT, DK_SML_SUCCESS, 65},
+        SingleCase{"FirstKeyInFileWins", "xcore: 61\ncore: 60\n", DK_SML_TEMPERATURE_CORE, DK_SML_SUCCESS, 61},
+        SingleCase{"SgmNeedsChipName", "sgm: 40\n", DK_SML_TEMPERATURE_SGM, DK_SML_ERROR_NOT_SUPPORTED, 0},
+        SingleCase{"SgmChipName", "sgm452_temp: 41\n", DK_SML_TEMPERATURE_SGM, DK_SML_SUCCESS, 41},
+        SingleCase{"SgmFallsBackToTmp435", "tmp435_u2_local: 42\n", DK_SML_TEMPERATURE_SGM, DK_SML_SUCCESS, 42},
+        SingleCase{"NameOrderBeatsFileOrder", "tmp435_u1_local: 30\nemclocal: 31\n", DK_SML_TEMPERATURE_EMC_LOCAL,
+                   DK_SML_SUCCESS, 31},
+        SingleCase{"Hbm", "hbm0: 44\n", DK_SML_TEMPERATURE_HBM, DK_SML_SUCCESS, 44},
+        SingleCase{"Absent", "soc: 50\n", DK_SML_TEMPERATURE_HOTLIMIT, DK_SML_ERROR_NOT_SUPPORTED, 0},
+        SingleCase{"SelectorOutsideMap", "soc: 50\n", static_cast<DkSmlTemperatureSensors>(5),
+                   DK_SML_ERROR_INVALID_INPUT, 0},
+        SingleCase{"MalformedText", "soc 50\n", DK_SML_TEMPERATURE_SOC, DK_SML_ERROR_SYSFS, 0}),
+    ParamName());
+
+TEST_F(TemperatureTest, DeviceHotspotIsThePlainLargerValue) {
+    device.dieCount = 2;
+    device.Serve(0, DRAVIK_SMI_SHOWTEMP, "hotspot: 60\nhotlimit: 100\n");
+    device.Serve(1, DRAVIK_SMI_SHOWTEMP, "hotspot: 65535\nhotlimit: 105\n");
+    int32_t value = 0;
+    ASSERT_EQ(temperature.GetTemperature(&device, DK_SML_TEMPERATURE_HOTSPOT, &value), DK_SML_SUCCESS);
+    EXPECT_EQ(value, 65535);
+    // Any other selector reports die 0 only.
+    ASSERT_EQ(temperature.GetTemperature(&device, DK_SML_TEMPERATURE_HOTLIMIT, &value), DK_SML_SUCCESS);
+    EXPECT_EQ(value, 100);
+}
+
+TEST_F(TemperatureTest, DeviceHotspotFailsWhenALaterDieFails) {
+    device.dieCount = 2;
+    device.Serve(0, DRAVIK_SMI_SHOWTEMP, "hotspot: 60\n");
+    device.Serve(1, DRAVIK_SMI_SHOWTEMP, "soc: 50\n");
+    int32_t value = 0;
+    EXPECT_EQ(temperature.GetTemperature(&device, DK_SML_TEMPERATURE_HOTSPOT, &value), DK_SML_ERROR_NOT_SUPPORTED);
+}
+
+// Sensor table ---------------------------------------------------------------
+
+class SensorTableTest : public TemperatureTest {
+protected:
+    void SetUp() override {
+        m_dir = std::filesystem::temp_directory_path() /
+                ("dksml_tstemp_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "_" +
+                 ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        std::filesystem::create_directories(m_dir);
+        device.smiPath = m_dir.string() + "/";
+    }
+    void TearDown() override { std::filesystem::remove_all(m_dir); }
+
+    void WriteTable(const std::string& text) { std::ofstream(m_dir / "showtstemp") << text; }
+
+    std::filesystem::path m_dir;
+    DkSmlTemperatureSensorForAll table{};
+};
+
+TEST_F(SensorTableTest, RowsAndCounts) {
+    WriteTable("row0: 45 46 47\nrow1: 1 2 65535 4\nrow2:\nrow3: 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17\n");
+    ASSERT_EQ(temperature.GetTemperatureSensor(&device, &table), DK_SML_SUCCESS);
+    ASSERT_EQ(table.rowCount, 4u);
+    EXPECT_EQ(table.rows[0].count, 3u);
+    EXPECT_EQ(table.rows[0].readings[2], 47);
+    EXPECT_EQ(table.rows[0].readings[3], c_invalid);
+    EXPECT_EQ(table.rows[1].count, 2u);  // a literal 65535 ends the row
+    EXPECT_EQ(table.rows[1].readings[3], 4);
+    EXPECT_EQ(table.rows[2].count, 0u);
+    EXPECT_EQ(table.rows[3].count, 16u);
+    EXPECT_EQ(table.rows[3].readings[15], 16);
+}
+
+TEST_F(SensorTableTest, StopsAtTheTableSize) {
+    std::string text;
+    for (int row = 0; row < 50; ++row) text += "row" + std::to_string(row) + ": " + std::to_string(row) + "\n";
+    WriteTable(text);
+    ASSERT_EQ(temperature.GetTemperatureSensor(&device, &table), DK_SML_SUCCESS);
+    EXPECT_EQ(table.rowCount, static_cast<uint32_t>(DK_SML_TEMPERATURE_SENSOR_ROWS));
+    EXPECT_EQ(table.rows[DK_SML_TEMPERATURE_SENSOR_ROWS - 1].readings[0], DK_SML_TEMPERATURE_SENSOR_ROWS - 1);
+}
+
+TEST_F(SensorTableTest, OverlongLineDoesNotSpillIntoTheNextRow) {
+    WriteTable("row0: 1 2" + std::string(10000, ' ') + "3\nrow1: 9\n");
+    ASSERT_EQ(temperature.GetTemperatureSensor(&device, &table), DK_SML_SUCCESS);
+    ASSERT_EQ(table.rowCount, 2u);
+    EXPECT_EQ(table.rows[0].count, 2u);
+    EXPECT_EQ(table.rows[1].readings[0], 9);
+}
+
+TEST_F(SensorTableTest, GateAndMissingFile) {
+    struct Case {
+        DkSmlDeviceBrand brand;
+        bool isVf;
+        DkSmlReturn expected;
+    };
+    WriteTable("row0: 1\n");
+    for (const Case& c : {Case{DK_SML_BRAND_DKK, false, DK_SML_SUCCESS}, Case{DK_SML_BRAND_DKK_X, false, DK_SML_SUCCESS},
+                          Case{DK_SML_BRAND_DKQ, false, DK_SML_ERROR_NOT_SUPPORTED},
+                          Case{DK_SML_BRAND_DKZ, false, DK_SML_ERROR_NOT_SUPPORTED},
+                          Case{DK_SML_BRAND_DKK, true, DK_SML_ERROR_NOT_SUPPORTED}}) {
+        device.brand = c.brand;
+        device.isVf = c.isVf;
+        EXPECT_EQ(temperature.GetTemperatureSensor(&device, &table), c.expected) << c.brand << " vf " << c.isVf;
+    }
+    device.brand = DK_SML_BRAND_DKK;
+    device.isVf = false;
+    std::filesystem::remove(m_dir / "showtstemp");
+    EXPECT_EQ(temperature.GetTemperatureSensor(&device, &table), DK_SML_ERROR_SYSFS);
+}
+
+}  // namespace
+}  // namespace dksml::test
