@@ -1,0 +1,59 @@
+// The frame of the compatibility family. A handle is the address of one of
+// the system manager's die records; it is only dereferenced after the
+// manager confirmed it is one of them, so a forged handle answers 2 without
+// being touched. Native failures are not passed on: any non-zero native
+// status becomes 999.
+#pragma once
+
+#include <memory>
+
+#include "core/dk_service_manager.h"
+#include "core/dk_system_manager.h"
+#include "dksml.h"
+
+namespace dksml {
+
+inline DkDieInfo* ToDie(DkSmlExDevice handle) { return reinterpret_cast<DkDieInfo*>(handle); }
+inline DkSmlExDevice ToHandle(DkDieInfo* die) { return reinterpret_cast<DkSmlExDevice>(die); }
+
+inline DkSmlExReturn ExFromNative(DkSmlReturn code) {
+    return code == DK_SML_SUCCESS ? DK_SML_EX_SUCCESS : DK_SML_EX_ERROR_UNKNOWN;
+}
+
+// For queries where "not offered by this device" means something to the
+// caller, 3 is kept; every other failure is still 999.
+inline DkSmlExReturn ExFromNativeKeepNotSupported(DkSmlReturn code) {
+    return code == DK_SML_ERROR_NOT_SUPPORTED ? DK_SML_EX_ERROR_NOT_SUPPORTED : ExFromNative(code);
+}
+
+// Runs `body()` and turns any escaping exception into 999.
+template <typename Body>
+inline DkSmlExReturn ExGuard(Body&& body) noexcept {
+    try {
+        return body();
+    } catch (...) {
+        return DK_SML_EX_ERROR_UNKNOWN;
+    }
+}
+
+// Runs `body(DkDieInfo&, IDkDevice*)` for a valid handle; 2 otherwise.
+template <typename Body>
+inline DkSmlExReturn WithHandle(DkSmlExDevice handle, Body&& body) noexcept {
+    return ExGuard([&] {
+        DkDieInfo* die = ToDie(handle);
+        if (!DkSystemManager::GetInstance().CheckDeviceHandle(die) || !die->device)
+            return DK_SML_EX_ERROR_INVALID_ARGUMENT;
+        return body(*die, die->device.get());
+    });
+}
+
+// A registry service for a compatibility call; 999 when the registry has not
+// been initialised.
+template <typename Getter, typename Body>
+inline DkSmlExReturn WithExService(Getter getter, Body&& body) {
+    auto service = (DkServiceManager::GetInstance().*getter)();
+    if (!service) return DK_SML_EX_ERROR_UNKNOWN;
+    return body(*service);
+}
+
+}  // namespace dksml
