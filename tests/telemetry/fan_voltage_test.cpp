@@ -37,7 +37,6 @@ TEST_P(FanTextTest, NeedsExactlyOneSpeedAndOneDuty) {
 INSTANTIATE_TEST_SUITE_P(
     Texts, FanTextTest,
     ::testing::Values(FanCase{"Both", "fan_rpm: 2400\nfan_pwm: 128\n", DK_SML_SUCCESS, 2400, 128},
-                      FanCase{"EitherOrder", "fan_pwm: 90\nfan_rpm: 1800\n", DK_SML_SUCCESS, 1800, 90},
                       FanCase{"KeysBySubstring", "fan_rpm_0: 1\nboard fan_pwm: 2\nfan_mode: 3\n", DK_SML_SUCCESS, 1, 2},
                       FanCase{"SpeedOnly", "fan_rpm: 2400\n", DK_SML_ERROR_NOT_SUPPORTED, 0, 0},
                       FanCase{"DutyTwice", "fan_rpm: 2400\nfan_pwm: 128\nfan_pwm: 129\n", DK_SML_ERROR_NOT_SUPPORTED,
