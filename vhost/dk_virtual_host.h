@@ -31,6 +31,9 @@ class ScopedHost {
 public:
     explicit ScopedHost(const nlohmann::json& profile);
     explicit ScopedHost(std::string_view profileName);
+    // A literal names a shipped profile (a JSON string would be ambiguous).
+    explicit ScopedHost(const char* profileName) : ScopedHost(std::string_view(profileName)) {}
+    explicit ScopedHost(const std::string& profileName) : ScopedHost(std::string_view(profileName)) {}
     ~ScopedHost();
     ScopedHost(const ScopedHost&) = delete;
     ScopedHost& operator=(const ScopedHost&) = delete;

@@ -231,6 +231,8 @@ void AssignDriverIds(HostSpec& host, const std::vector<json>& entries) {
     unsigned seed = 0;
     uint32_t physicalOrdinal = 0;
     std::set<uint32_t> gpuIds;
+    std::set<uint32_t> nodeIds;
+    for (const CpuNodeSpec& cpu : host.cpuNodes) nodeIds.insert(cpu.nodeId);
     for (size_t i = 0; i < host.devices.size(); ++i) {
         DeviceSpec& device = host.devices[i];
         const json& entry = entries[i];
@@ -239,6 +241,9 @@ void AssignDriverIds(HostSpec& host, const std::vector<json>& entries) {
         device.seed = seed++;
         device.nodeId = entry.value("node_id", nextNode);
         nextNode = std::max(nextNode, device.nodeId + 1);
+        if (device.layoutNode && !nodeIds.insert(device.nodeId).second) {
+            Fail(where, "layout node " + std::to_string(device.nodeId) + " is taken");
+        }
         device.gpuId = entry.value("gpu_id", static_cast<uint32_t>(40000 + (Fnv1a(device.busId) % 20000)));
         if (device.gpuId == 0 || device.gpuId > 0xffff) Fail(where, "gpu_id must be 1 to 65535");
         if (!gpuIds.insert(device.gpuId).second) Fail(where, "duplicate gpu_id " + std::to_string(device.gpuId));

@@ -1,0 +1,82 @@
+// Profiles build edge cases declaratively: attribute texts per device and per
+// die, omitted attributes and arbitrary extra files.
+#include <filesystem>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "vhost/dk_virtual_host.h"
+
+namespace dksml::vhost {
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+const std::string c_dir = "/sys/bus/pci/devices/0000:3b:00.0";
+
+json OneGpu(json device) {
+    device["bus_id"] = "0000:3b:00.0";
+    device["model"] = "DKK6-A";
+    return {{"devices", json::array({device})}};
+}
+
+TEST(ProfileOverrides, DieOverrideBeatsDeviceOverrideOnItsDieOnly) {
+    const ScopedHost host(OneGpu({
+        {"attributes", {{"showtemp", "hotspot: 70\n"}}},
+        {"dies", json::array({json::object(), {{"attributes", {{"showtemp", "hotspot: 90\n"}}}}})},
+    }));
+    EXPECT_EQ(host.ReadFile(c_dir + "/smi/showtemp"), "hotspot: 70\n");
+    EXPECT_EQ(host.ReadFile(c_dir + "/smi1/showtemp"), "hotspot: 90\n");
+}
+
+TEST(ProfileOverrides, NullOmitsTheAttribute) {
+    const ScopedHost host(OneGpu({
+        {"attributes", {{"pcipowerstate", nullptr}}},
+        {"dies", json::array({json::object(), {{"attributes", {{"fan_ctrl", nullptr}}}}})},
+    }));
+    EXPECT_FALSE(fs::exists(host.Path(c_dir + "/smi/pcipowerstate")));
+    EXPECT_FALSE(fs::exists(host.Path(c_dir + "/smi1/pcipowerstate")));
+    EXPECT_TRUE(fs::exists(host.Path(c_dir + "/smi/fan_ctrl")));
+    EXPECT_FALSE(fs::exists(host.Path(c_dir + "/smi1/fan_ctrl")));
+    EXPECT_TRUE(fs::exists(host.Path(c_dir + "/smi/showvendorid")));
+}
+
+TEST(ProfileOverrides, NewAttributeNamesAreWrittenToo) {
+    const ScopedHost host(OneGpu({{"attributes", {{"showhbmtemp", "hbm0: 55\n"}}}}));
+    EXPECT_EQ(host.ReadFile(c_dir + "/smi/showhbmtemp"), "hbm0: 55\n");
+}
+
+TEST(ProfileOverrides, ExtraFilesOnTheHostAndInTheDeviceDirectory) {
+    json profile = OneGpu({{"files", {{"sgpu/available_devcnt", "16\n"}, {"model", nullptr}}}});
+    profile["files"] = {{"/opt/smi/etc/chipname", "DKK6-A Custom\n"}, {"/proc/modules", nullptr}};
+    const ScopedHost host(profile);
+    EXPECT_EQ(host.ReadFile("/opt/smi/etc/chipname"), "DKK6-A Custom\n");
+    EXPECT_FALSE(fs::exists(host.Path("/proc/modules")));
+    EXPECT_EQ(host.ReadFile(c_dir + "/sgpu/available_devcnt"), "16\n");
+    EXPECT_FALSE(fs::exists(host.Path(c_dir + "/model")));
+}
+
+TEST(ProfileOverrides, LayoutNodeCanBeLeftOut) {
+    const ScopedHost host(OneGpu({{"layout_node", false}}));
+    EXPECT_TRUE(fs::is_empty(host.Path("/sys/class/dravik/dkcd/layout/nodes")));
+    EXPECT_TRUE(fs::exists(host.Path(c_dir + "/smi/pcipowerstate")));
+}
+
+TEST(ProfileOverrides, IdentityFollowsTheProductTable) {
+    json profile = OneGpu({{"vendor", "partner"}});
+    profile["devices"].push_back(
+        {{"bus_id", "0000:3b:00.4"}, {"function", "vf"}, {"model", "DKK6-A"}, {"parent", "0000:3b:00.0"}});
+    const ScopedHost host(profile);
+    EXPECT_EQ(host.ReadFile(c_dir + "/vendor"), "0x1e3b\n");
+    EXPECT_EQ(host.ReadFile(c_dir + "/device"), "0x1601\n");
+    EXPECT_EQ(host.ReadFile("/sys/bus/pci/devices/0000:3b:00.4/device"), "0x1681\n");
+    EXPECT_EQ(host.ReadFile("/sys/bus/pci/devices/0000:3b:00.4/smi/showcardname"), "DKK6-A VF\n");
+    EXPECT_EQ(fs::canonical(host.Path("/sys/bus/pci/devices/0000:3b:00.4/driver")).filename(), "DKGVM");
+    // A virtual function sits beside its physical function.
+    EXPECT_EQ(fs::canonical(host.Path("/sys/bus/pci/devices/0000:3b:00.4")).parent_path(),
+              fs::canonical(host.Path(c_dir)).parent_path());
+}
+
+}  // namespace
+}  // namespace dksml::vhost

@@ -1,0 +1,99 @@
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "vhost/dk_virtual_host.h"
+
+namespace dksml::vhost {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Saves and restores an environment variable around a test.
+class EnvGuard {
+public:
+    explicit EnvGuard(const char* name) : m_name(name) {
+        if (const char* value = std::getenv(name)) m_value = value, m_had = true;
+    }
+    ~EnvGuard() { m_had ? setenv(m_name, m_value.c_str(), 1) : unsetenv(m_name); }
+
+private:
+    const char* m_name;
+    std::string m_value;
+    bool m_had = false;
+};
+
+TEST(ScopedHost, PointsTheRootVariableAtItselfAndRestoresAnEarlierValue) {
+    EnvGuard guard("DK_SMI_FSROOT");
+    setenv("DK_SMI_FSROOT", "/earlier/root", 1);
+    fs::path root;
+    {
+        const ScopedHost host("empty");
+        root = host.Root();
+        EXPECT_EQ(std::getenv("DK_SMI_FSROOT"), root.string());
+        EXPECT_TRUE(fs::is_directory(root));
+    }
+    EXPECT_STREQ(std::getenv("DK_SMI_FSROOT"), "/earlier/root");
+    EXPECT_FALSE(fs::exists(root));
+}
+
+TEST(ScopedHost, UnsetsTheRootVariableWhenThereWasNone) {
+    EnvGuard guard("DK_SMI_FSROOT");
+    unsetenv("DK_SMI_FSROOT");
+    { const ScopedHost host("empty"); }
+    EXPECT_EQ(std::getenv("DK_SMI_FSROOT"), nullptr);
+}
+
+TEST(ScopedHost, NestedHostsRestoreInOrder) {
+    EnvGuard guard("DK_SMI_FSROOT");
+    const ScopedHost outer("empty");
+    {
+        const ScopedHost inner("guest");
+        EXPECT_EQ(std::getenv("DK_SMI_FSROOT"), inner.Root().string());
+    }
+    EXPECT_EQ(std::getenv("DK_SMI_FSROOT"), outer.Root().string());
+}
+
+TEST(ScopedHost, FileHelpersWorkOnHostPaths) {
+    const ScopedHost host("empty");
+    host.WriteFile("/opt/smi/etc/vendorid", "0x1e27\n");
+    EXPECT_EQ(host.ReadFile("/opt/smi/etc/vendorid"), "0x1e27\n");
+    EXPECT_EQ(host.Path("/opt/smi/etc/vendorid"), host.Root() / "opt/smi/etc/vendorid");
+    host.Remove("/opt/smi");
+    EXPECT_FALSE(fs::exists(host.Path("/opt/smi")));
+    EXPECT_EQ(host.ReadFile("/opt/smi/etc/vendorid"), "");
+}
+
+TEST(ScopedHost, AnInvalidProfileLeavesNoDirectoryAndNoVariable) {
+    EnvGuard guard("DK_SMI_FSROOT");
+    unsetenv("DK_SMI_FSROOT");
+    const auto before = std::distance(fs::directory_iterator(fs::temp_directory_path()), fs::directory_iterator());
+    EXPECT_THROW(ScopedHost(nlohmann::json{{"devices", {{{"bus_id", "bad"}}}}}), std::runtime_error);
+    EXPECT_EQ(std::getenv("DK_SMI_FSROOT"), nullptr);
+    const auto after = std::distance(fs::directory_iterator(fs::temp_directory_path()), fs::directory_iterator());
+    EXPECT_EQ(before, after);
+}
+
+TEST(ProfileDirectory, EnvironmentOverrideWins) {
+    EnvGuard guard("DKVHOST_PROFILE_DIR");
+    const fs::path dir = fs::temp_directory_path() / "dkvhost-profiles-override";
+    fs::create_directories(dir);
+    std::ofstream(dir / "tiny.json") << R"({"name": "tiny"})";
+    setenv("DKVHOST_PROFILE_DIR", dir.c_str(), 1);
+    EXPECT_EQ(ProfileDirectory(), dir);
+    EXPECT_EQ(LoadProfile("tiny")["name"], "tiny");
+    fs::remove_all(dir);
+}
+
+TEST(ProfileDirectory, DefaultHoldsTheServerProfile) {
+    EnvGuard guard("DKVHOST_PROFILE_DIR");
+    unsetenv("DKVHOST_PROFILE_DIR");
+    EXPECT_TRUE(fs::exists(ProfileDirectory() / "server.json"));
+    EXPECT_EQ(LoadProfile((ProfileDirectory() / "server.json").string())["name"], "server");
+}
+
+}  // namespace
+}  // namespace dksml::vhost
