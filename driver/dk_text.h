@@ -188,6 +188,29 @@ unsigned long stoul(std::string_view text, int base = 10);
 long stol(std::string_view text);
 float stof(std::string_view text);
 
+// Guard against argument-dependent lookup: inside namespace dksml an
+// unqualified stoi(someStdString) would otherwise pick std::stoi, which throws
+// std::invalid_argument instead of a DkSmlReturn. These overloads win for
+// non-const and temporary strings and for string literals; a const
+// std::string argument is ambiguous on purpose (a compile error, never the
+// wrong function): write dksml::stoi(...) or pass a std::string_view.
+inline int stoi(const char* text, int base = 10) { return stoi(std::string_view(text), base); }
+inline int stoi(std::string& text, int base = 10) { return stoi(std::string_view(text), base); }
+inline int stoi(std::string&& text, int base = 10) { return stoi(std::string_view(text), base); }
+inline int stoi(const std::string& text, int base = 10) { return stoi(std::string_view(text), base); }
+inline unsigned long stoul(const char* text, int base = 10) { return stoul(std::string_view(text), base); }
+inline unsigned long stoul(std::string& text, int base = 10) { return stoul(std::string_view(text), base); }
+inline unsigned long stoul(std::string&& text, int base = 10) { return stoul(std::string_view(text), base); }
+inline unsigned long stoul(const std::string& text, int base = 10) { return stoul(std::string_view(text), base); }
+inline long stol(const char* text) { return stol(std::string_view(text)); }
+inline long stol(std::string& text) { return stol(std::string_view(text)); }
+inline long stol(std::string&& text) { return stol(std::string_view(text)); }
+inline long stol(const std::string& text) { return stol(std::string_view(text)); }
+inline float stof(const char* text) { return stof(std::string_view(text)); }
+inline float stof(std::string& text) { return stof(std::string_view(text)); }
+inline float stof(std::string&& text) { return stof(std::string_view(text)); }
+inline float stof(const std::string& text) { return stof(std::string_view(text)); }
+
 // Non-throwing forms: true and `out` set on success, false and `out` untouched.
 bool stoi_nt(std::string_view text, int& out, int base = 10);
 bool stoul_nt(std::string_view text, unsigned long& out, int base = 10);

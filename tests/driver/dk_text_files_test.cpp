@@ -1,0 +1,150 @@
+// Lines, whole-file reads, extractors, file tests and GetEnv.
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "driver/dk_text.h"
+#include "dk_driver_test_util.h"
+
+namespace dksml {
+namespace {
+
+using test::TempDir;
+
+std::vector<std::string> Lines(std::string_view text) {
+    DkTextLines lines(text);
+    std::vector<std::string> out;
+    std::string_view line;
+    while (lines.Next(line)) out.emplace_back(line);
+    return out;
+}
+
+std::vector<std::string> GetlineLines(const std::string& text) {
+    std::istringstream in(text);
+    std::vector<std::string> out;
+    std::string line;
+    while (std::getline(in, line)) out.push_back(line);
+    return out;
+}
+
+TEST(DkTextLines, BehavesLikeGetline) {
+    const std::vector<std::string> cases = {
+        "", "\n", "\n\n", "a", "a\n", "a\nb", "a\nb\n", "a\n\nb\n\n", "\na", "x:1\r\ny:2\r\n",
+        std::string("nul\0inside\nline2", 16), "  \t \n", "last line without newline",
+    };
+    for (const std::string& text : cases) {
+        EXPECT_EQ(Lines(text), GetlineLines(text)) << "text: '" << text << "'";
+    }
+}
+
+TEST(DkTextLines, AtEndAndNoMoreLines) {
+    DkTextLines lines("a\n");
+    std::string_view line;
+    EXPECT_FALSE(lines.AtEnd());
+    ASSERT_TRUE(lines.Next(line));
+    EXPECT_EQ(line, "a");
+    EXPECT_TRUE(lines.AtEnd());
+    EXPECT_FALSE(lines.Next(line));
+    EXPECT_FALSE(lines.Next(line));
+    EXPECT_EQ(line, "a");  // untouched when there is no line
+}
+
+TEST(ReadFileText, ReadsExactBytes) {
+    TempDir dir;
+    const std::string content("a: 1\nb: 2\n\0tail", 15);
+    const std::string path = dir.Write("f", content);
+    std::string text = "old";
+    ASSERT_EQ(ReadFileText(path, text), DK_SML_SUCCESS);
+    EXPECT_EQ(text, content);
+}
+
+TEST(ReadFileText, EmptyFile) {
+    TempDir dir;
+    std::string text = "old";
+    ASSERT_EQ(ReadFileText(dir.Write("empty", ""), text), DK_SML_SUCCESS);
+    EXPECT_EQ(text, "");
+}
+
+TEST(ReadFileText, LargeFilesAroundTheBufferSizes) {
+    TempDir dir;
+    for (std::size_t size : {4095u, 4096u, 4097u, 8191u, 8192u, 8193u, 65535u, 65536u, 65537u,
+                             200000u, 1u << 20}) {
+        std::string content;
+        content.reserve(size);
+        for (std::size_t i = 0; content.size() < size; ++i) {
+            content += "line " + std::to_string(i) + ": " + std::to_string(i * 7) + "\n";
+        }
+        content.resize(size);
+        const std::string path = dir.Write("big" + std::to_string(size), content);
+        std::string text;
+        ASSERT_EQ(ReadFileText(path, text), DK_SML_SUCCESS) << size;
+        EXPECT_EQ(text.size(), size);
+        EXPECT_TRUE(text == content) << size;
+    }
+}
+
+TEST(ReadFileText, FailuresLeaveTheOutputAlone) {
+    TempDir dir;
+    std::string text = "keep";
+    EXPECT_EQ(ReadFileText(dir / "absent", text), DK_SML_ERROR_SYSFS);
+    EXPECT_EQ(ReadFileText(dir.Path().string(), text), DK_SML_ERROR_SYSFS);  // a directory
+    EXPECT_EQ(text, "keep");
+}
+
+TEST(Extractors, Table) {
+    struct Case {
+        std::string_view line, raw, colon, space;
+    };
+    const Case cases[] = {
+        {"GFX: 1200 MHz", "GFX: 1200 MHz", " 1200 MHz", "1200 MHz"},
+        {"1200", "1200", "1200", "1200"},
+        {"a:b:c", "a:b:c", "b:c", "a:b:c"},
+        {":", ":", "", ":"},
+        {"", "", "", ""},
+        {"key:", "key:", "", "key:"},
+        {" lead", " lead", " lead", "lead"},
+        {"tab\tsep", "tab\tsep", "tab\tsep", "tab\tsep"},  // only a blank separates
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(ExtractRawValueStr(c.line), c.raw) << c.line;
+        EXPECT_EQ(ExtractValueStrByColon(c.line), c.colon) << c.line;
+        EXPECT_EQ(ExtractValueStrSeparatedBySpace(c.line), c.space) << c.line;
+    }
+}
+
+TEST(TrimView, BlanksAndTabsOnly) {
+    EXPECT_EQ(TrimView("  \tx y\t "), "x y");
+    EXPECT_EQ(TrimView(" \t "), "");
+    EXPECT_EQ(TrimView(""), "");
+    EXPECT_EQ(TrimView("x\n"), "x\n");  // newline is not in the set
+    EXPECT_EQ(TrimView("--x--", "-"), "x");
+}
+
+TEST(FileChecks, ExistReadableWritable) {
+    TempDir dir;
+    const std::string path = dir.Write("f", "1\n");
+    EXPECT_TRUE(CheckIfFileExist(path));
+    EXPECT_TRUE(CheckIfFileReadable(path));
+    EXPECT_TRUE(CheckIfFileWritable(path));
+    EXPECT_TRUE(CheckIfFileExist(dir.Path().string()));
+    EXPECT_FALSE(CheckIfFileExist(dir / "absent"));
+    EXPECT_FALSE(CheckIfFileReadable(dir / "absent"));
+    EXPECT_FALSE(CheckIfFileWritable(dir / "absent"));
+}
+
+TEST(GetEnv, ValueOrFallbackThenSuffix) {
+    {
+        test::ScopedEnv env("DKSML_TEST_GETENV", "/x/y");
+        EXPECT_EQ(GetEnv("DKSML_TEST_GETENV", "/reg_dump", "/fallback"), "/x/y/reg_dump");
+    }
+    {
+        test::ScopedEnv env("DKSML_TEST_GETENV", nullptr);
+        EXPECT_EQ(GetEnv("DKSML_TEST_GETENV", "/reg_dump", "/fallback"), "/fallback/reg_dump");
+        EXPECT_EQ(GetEnv("DKSML_TEST_GETENV", "", ""), "");
+    }
+}
+
+}  // namespace
+}  // namespace dksml

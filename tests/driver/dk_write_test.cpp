@@ -1,0 +1,79 @@
+// WriteSysfs: one line, values separated by one blank, newline at the end.
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+#include <string>
+
+#include "driver/dk_text.h"
+#include "dk_driver_test_util.h"
+
+namespace dksml {
+namespace {
+
+using test::ReadAll;
+using test::TempDir;
+
+enum DkTestEnum { kZero = 0, kSeven = 7 };
+enum class DkTestScoped : uint8_t { kTwo = 2 };
+
+TEST(WriteSysfs, Formats) {
+    TempDir dir;
+    const std::string p = dir / "attr";
+    const char eight[9] = "abcdefgh";
+    char text8[8] = {'1', '2', '3', '4', '5', '6', '7', '8'};  // not NUL-terminated
+    const char* cstr = "cstr";
+    struct Case {
+        std::function<DkSmlReturn()> write;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {[&] { return WriteSysfs(p, std::string("gfx"), 2, 1); }, "gfx 2 1\n"},
+        {[&] { return WriteSysfs(p, true); }, "1\n"},
+        {[&] { return WriteSysfs(p, false); }, "0\n"},
+        {[&] { return WriteSysfs(p, -5); }, "-5\n"},
+        {[&] { return WriteSysfs(p, 4294967295u); }, "4294967295\n"},
+        {[&] { return WriteSysfs(p, kSeven); }, "7\n"},
+        {[&] { return WriteSysfs(p, DkTestScoped::kTwo); }, "2\n"},
+        {[&] { return WriteSysfs(p, 1.5f, 0.1, 1234567.0, 1e-7); }, "1.5 0.1 1.23457e+06 1e-07\n"},
+        {[&] { return WriteSysfs(p, std::string("x"), 1, 2u, 3u, 2.5f, 100.0f); }, "x 1 2 3 2.5 100\n"},
+        {[&] { return WriteSysfs(p, eight, eight, 3); }, "abcdefgh abcdefgh 3\n"},
+        {[&] { return WriteSysfs(p, text8); }, "12345678\n"},
+        {[&] { return WriteSysfs(p, cstr); }, "cstr\n"},
+        {[&] { return WriteSysfs(p, true, eight); }, "1 abcdefgh\n"},
+        {[&] { return WriteSysfs(p, std::string("s"), static_cast<unsigned short>(65535)); }, "s 65535\n"},
+        {[&] { return WriteSysfs(p, 1u, -2, 3, 4000000000UL); }, "1 -2 3 4000000000\n"},
+        {[&] { return WriteSysfs(p, std::string("")); }, "\n"},
+        {[&] { return WriteSysfs(p, std::string_view("view")); }, "view\n"},
+    };
+    for (const Case& c : cases) {
+        ASSERT_EQ(c.write(), DK_SML_SUCCESS) << c.expected;
+        EXPECT_EQ(ReadAll(p), c.expected);
+    }
+}
+
+TEST(WriteSysfs, TruncatesAndCreates) {
+    TempDir dir;
+    const std::string p = dir.Write("attr", "a much longer previous content\n");
+    ASSERT_EQ(WriteSysfs(p, std::string("3")), DK_SML_SUCCESS);
+    EXPECT_EQ(ReadAll(p), "3\n");
+    ASSERT_EQ(WriteSysfs(dir / "new", 1), DK_SML_SUCCESS);
+    EXPECT_EQ(ReadAll(dir / "new"), "1\n");
+}
+
+TEST(WriteSysfs, OpenFailureIs4) {
+    TempDir dir;
+    EXPECT_EQ(WriteSysfs(dir.Path().string(), 1), DK_SML_ERROR_SYSFS);  // a directory
+    EXPECT_EQ(WriteSysfs(dir / "no/such/dir/attr", 1), DK_SML_ERROR_SYSFS);
+}
+
+TEST(WriteSysfs, RefusedWriteIs5) {
+    // /dev/full accepts the open and refuses every write (ENOSPC), like a
+    // driver that rejects the value.
+    struct stat st {};
+    if (stat("/dev/full", &st) != 0) GTEST_SKIP() << "/dev/full not available";
+    EXPECT_EQ(WriteSysfs("/dev/full", 1), DK_SML_ERROR_SYSFS_WRITE);
+}
+
+}  // namespace
+}  // namespace dksml
