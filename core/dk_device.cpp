@@ -106,7 +106,10 @@ std::string DkDevice::GetDeviceDir() const { return m_deviceDir; }
 
 std::string DkDevice::GetNodePath() const { return m_nodePath.empty() ? std::string{} : HostPath(m_nodePath); }
 
-uint32_t DkDevice::GetDriverGpuId(unsigned int dieId) const { return dieId == 0 ? m_gpuId : m_secondDieGpuId; }
+// Drivers that publish one layout node per device give both dies its GPU id.
+uint32_t DkDevice::GetDriverGpuId(unsigned int dieId) const {
+    return dieId == 0 || m_secondDieGpuId == 0 ? m_gpuId : m_secondDieGpuId;
+}
 uint32_t DkDevice::GetBdfIdUint() const { return m_bdfIdUint; }
 uint32_t DkDevice::GetDeviceId() const { return m_index; }
 uint32_t DkDevice::GetVendorId() const { return m_sysInfo.vendorId; }

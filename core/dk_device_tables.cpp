@@ -17,11 +17,11 @@ const std::map<uint32_t, std::set<uint32_t>> c_xSeriesIsaVersionMap = {
     {6, {0, 1, 2}},
 };
 
-// Instruction sets of the other lines: inference (3.x), training (5.x), edge (2.x).
+// Instruction sets of the other lines: inference (3.x), training (5.x), edge (7.x).
 const std::map<std::pair<uint32_t, uint32_t>, DkSmlDeviceBrand> c_isaBrandMap = {
-    {{2, 0}, DK_SML_BRAND_DKZ}, {{2, 1}, DK_SML_BRAND_DKZ}, {{2, 2}, DK_SML_BRAND_DKZ},
     {{3, 0}, DK_SML_BRAND_DKQ}, {{3, 1}, DK_SML_BRAND_DKQ}, {{3, 2}, DK_SML_BRAND_DKQ},
     {{5, 0}, DK_SML_BRAND_DKK}, {{5, 1}, DK_SML_BRAND_DKK}, {{5, 2}, DK_SML_BRAND_DKK},
+    {{7, 0}, DK_SML_BRAND_DKZ}, {{7, 1}, DK_SML_BRAND_DKZ},
 };
 
 // What each model predicate accepts: the physical-function device ids of the
@@ -44,8 +44,8 @@ const std::array<DkModelRow, 10> c_modelTable{{
     {DkModel::Dkk6, {0x1601, 0x1602, 0x1603}, false},
     {DkModel::Dkk6u, {0x1611}, false},
     {DkModel::Dkk6Series, {0x1601, 0x1602, 0x1603, 0x1611}, true},
-    // DKK6-A and DKK6-AL carry two dies in one package.
-    {DkModel::DkMcm, {0x1601, 0x1602}, false},
+    // DKK6-A and DKK6-PL carry two dies in one package.
+    {DkModel::DkMcm, {0x1601, 0x1603}, false},
 }};
 
 const DkProductRow* FindProduct(uint32_t pciDeviceId, bool& isVfId) {

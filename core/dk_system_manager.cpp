@@ -98,8 +98,8 @@ void DkSystemManager::ResetDiscoveryState() {
 
 void DkSystemManager::ChooseDriverDirectories() {
     State& s = *m_state;
-    if (s.dkcdPath.empty()) s.dkcdPath = FirstExisting(c_classDirs);
-    if (s.managerPath.empty()) s.managerPath = FirstExisting(c_managerDirs);
+    if (!s.dkcdPathGiven || s.dkcdPath.empty()) s.dkcdPath = FirstExisting(c_classDirs);
+    if (!s.managerPathGiven || s.managerPath.empty()) s.managerPath = FirstExisting(c_managerDirs);
     s.layoutPath = s.dkcdPath + c_layoutSubdir;
 }
 
@@ -110,9 +110,13 @@ const std::string& DkSystemManager::GetLayoutPath() const { return m_state->layo
 void DkSystemManager::SetDkcdPath(const std::string& path) {
     m_state->dkcdPath = path;
     if (!path.empty() && path.back() != '/') m_state->dkcdPath += '/';
+    m_state->dkcdPathGiven = !path.empty();
 }
 
-void DkSystemManager::SetSystemManagerPath(const std::string& path) { m_state->managerPath = path; }
+void DkSystemManager::SetSystemManagerPath(const std::string& path) {
+    m_state->managerPath = path;
+    m_state->managerPathGiven = !path.empty();
+}
 
 DkSysUtils* DkSystemManager::GetSysUtils() const { return m_state->sysUtils.get(); }
 std::shared_ptr<DkTopology> DkSystemManager::GetTopology() const { return m_state->topology; }

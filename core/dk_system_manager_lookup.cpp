@@ -101,9 +101,9 @@ uint32_t DkSystemManager::GetGpuIdByBdfId(const std::string& bdfId) const {
 }
 
 uint32_t DkSystemManager::GetGpuIdByBdfAndDieId(const std::string& bdfId, uint32_t dieId) const {
-    if (dieId == 0) return GetGpuIdByBdfId(bdfId);
     auto second = m_state->secondDieGpuIds.find(bdfId);
-    return second == m_state->secondDieGpuIds.end() ? 0 : second->second;
+    if (dieId == 0 || second == m_state->secondDieGpuIds.end()) return GetGpuIdByBdfId(bdfId);
+    return second->second;
 }
 
 // The layout node's render minor, else the render node found under /dev/dri.

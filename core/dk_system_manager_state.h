@@ -23,6 +23,10 @@ struct DkSystemManager::State {
     uint32_t cpuNodeCount = 0;
     uint32_t nextDieKey = 0;  // the compute stack's running die number
     std::string dkcdPath, managerPath, layoutPath;
+    // Directories given through SetDkcdPath / SetSystemManagerPath are kept;
+    // chosen ones are chosen again by every pass (the driver may have been
+    // loaded, or the host root changed, since the last one).
+    bool dkcdPathGiven = false, managerPathGiven = false;
     std::string searchPath;  // of the last pass, for limited-device paths
     std::unique_ptr<DkSysUtils> sysUtils;
     std::shared_ptr<DkTopology> topology;

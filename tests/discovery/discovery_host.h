@@ -1,0 +1,63 @@
+// Shared helpers: a virtual host plus the C calls the discovery tests repeat.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "dksml.h"
+#include "vhost/dk_virtual_host.h"
+
+namespace dksml::test {
+
+// Profile names as string views: a bare literal would also fit the JSON overload.
+using namespace std::string_view_literals;
+
+inline std::string DevicePath(const std::string& bdf, const std::string& rest = "") {
+    return "/sys/bus/pci/devices/" + bdf + rest;
+}
+
+inline std::string SmiFile(const std::string& bdf, const std::string& file) {
+    return DevicePath(bdf, "/smi/" + file);
+}
+
+// The layout node directory (host path) whose "location" names `bdf`.
+inline std::string LayoutNodeOf(const vhost::ScopedHost& host, const std::string& bdf) {
+    const std::string nodes = "/sys/class/dravik/dkcd/layout/nodes/";
+    for (const auto& entry : std::filesystem::directory_iterator(host.Path(nodes))) {
+        const std::string node = nodes + entry.path().filename().string();
+        if (host.ReadFile(node + "/location") == bdf + "\n") return node;
+    }
+    return {};
+}
+
+// Turns a file into a directory: unreadable for root as well.
+inline void MakeUnreadable(const vhost::ScopedHost& host, const std::string& hostPath) {
+    host.Remove(hostPath);
+    host.WriteFile(hostPath + "/placeholder", "");
+}
+
+inline DkSmlDeviceInfo InfoOf(uint32_t index) {
+    DkSmlDeviceInfo info{};
+    EXPECT_EQ(dkSmlGetDeviceInfo(index, &info), DK_SML_SUCCESS) << "device " << index;
+    return info;
+}
+
+inline std::vector<uint32_t> LimitedIndices() {
+    uint32_t indices[16] = {};
+    uint32_t count = 16;
+    EXPECT_EQ(dkSmlGetAllLimitedDevices(&count, indices), DK_SML_SUCCESS);
+    return {indices, indices + count};
+}
+
+inline DkSmlDeviceUnavailableReasonInfo ReasonOf(uint32_t index) {
+    DkSmlDeviceUnavailableReasonInfo info{};
+    EXPECT_EQ(dkSmlGetDeviceUnavailableReason(index, &info), DK_SML_SUCCESS) << "device " << index;
+    return info;
+}
+
+}  // namespace dksml::test

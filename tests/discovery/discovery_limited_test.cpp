@@ -1,0 +1,137 @@
+// Devices that are found but cannot be served: numbering and reasons.
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "core/dk_system_manager.h"
+#include "discovery_host.h"
+
+namespace dksml::test {
+namespace {
+
+DkSmlLimitedDeviceInfo LimitedInfoOf(uint32_t index) {
+    DkSmlLimitedDeviceInfo info{};
+    EXPECT_EQ(dkSmlGetLimitedDeviceInfo(index, &info), DK_SML_SUCCESS) << "device " << index;
+    return info;
+}
+
+TEST(LimitedDevices, MissingPowerStateFileMeansNoLayoutNodeReason) {
+    vhost::ScopedHost host("server"sv);  // the DKK1 at d8:00.0 lacks "pcipowerstate"
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    ASSERT_EQ(LimitedIndices(), std::vector<uint32_t>{5});
+    DkSmlLimitedDeviceInfo info = LimitedInfoOf(5);
+    EXPECT_STREQ(info.bdfId, "0000:d8:00.0");
+    EXPECT_EQ(info.vendorId, 0x1e27u);
+    EXPECT_EQ(info.deviceId, 0x1101u);
+    EXPECT_EQ(info.isVf, 0u);
+    EXPECT_EQ(info.unavailableReason, 101u);
+    DkSmlDeviceUnavailableReasonInfo reason = ReasonOf(5);
+    EXPECT_EQ(reason.reason, 101u);
+    EXPECT_STREQ(reason.reasonText, "Layout Node Not Found");
+    int32_t state = 7;
+    EXPECT_EQ(dkSmlGetDeviceState(5, &state), DK_SML_SUCCESS);
+    EXPECT_EQ(state, 0);
+}
+
+TEST(LimitedDevices, UsableDevicesReportNoReason) {
+    vhost::ScopedHost host("server"sv);
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    for (uint32_t index : {0u, 2u, 100u}) {
+        DkSmlDeviceUnavailableReasonInfo reason{};
+        reason.reason = 55;
+        reason.reasonText[0] = 'x';
+        ASSERT_EQ(dkSmlGetDeviceUnavailableReason(index, &reason), DK_SML_SUCCESS);
+        EXPECT_EQ(reason.reason, 0u);
+        EXPECT_STREQ(reason.reasonText, "");
+    }
+    DkSmlDeviceUnavailableReasonInfo reason{};
+    EXPECT_EQ(dkSmlGetDeviceUnavailableReason(6, &reason), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+}
+
+TEST(LimitedDevices, UnreadablePowerStateFileIsInaccessibleSysfs) {
+    vhost::ScopedHost host("server"sv);
+    MakeUnreadable(host, SmiFile("0000:1c:00.0", "pcipowerstate"));
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    EXPECT_EQ(dkSmlGetDeviceCount(), 4u);
+    EXPECT_STREQ(InfoOf(1).bdfId, "0000:1e:00.0");  // the rest move up
+    ASSERT_EQ(LimitedIndices(), (std::vector<uint32_t>{4, 5}));
+    EXPECT_STREQ(LimitedInfoOf(4).bdfId, "0000:1c:00.0");
+    EXPECT_EQ(LimitedInfoOf(4).vendorId, 0x1e3bu);
+    DkSmlDeviceUnavailableReasonInfo reason = ReasonOf(4);
+    EXPECT_EQ(reason.reason, 102u);
+    EXPECT_STREQ(reason.reasonText, "Dravik Sysfs File Unaccessible");
+}
+
+TEST(LimitedDevices, PhysicalFunctionWithoutLayoutNode) {
+    vhost::ScopedHost host("server"sv);
+    host.Remove(LayoutNodeOf(host, "0000:1b:00.0"));
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    EXPECT_EQ(dkSmlGetDeviceCount(), 4u);
+    ASSERT_EQ(LimitedIndices(), (std::vector<uint32_t>{4, 5}));
+    EXPECT_STREQ(LimitedInfoOf(4).bdfId, "0000:1b:00.0");
+    EXPECT_EQ(ReasonOf(4).reason, 101u);
+    uint32_t dies = 0;
+    EXPECT_EQ(DkSystemManager::GetInstance().GetLimitedDeviceDieCount(4, &dies), DK_SML_SUCCESS);
+    EXPECT_EQ(dies, 2u);
+    // The driver is loaded and readable but published no node: it refused the dies.
+    DkSmlDeviceUnavailableReasonInfo die{};
+    EXPECT_EQ(DkSystemManager::GetInstance().GetLimitedDieUnavailableReason(4, 1, &die), DK_SML_SUCCESS);
+    EXPECT_EQ(die.reason, 103u);
+    EXPECT_STREQ(die.reasonText, "Driver And Vbios Compatibility Check Failed");
+    EXPECT_EQ(DkSystemManager::GetInstance().GetLimitedDieUnavailableReason(4, 2, &die),
+              DK_SML_ERROR_INVALID_DIE_ID);
+}
+
+TEST(LimitedDevices, VirtualFunctionsKeepTheirOwnNumbering) {
+    vhost::ScopedHost host("server"sv);
+    host.WriteFile(SmiFile("0000:1e:00.1", "showvendorid"), "");  // no line
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    EXPECT_EQ(dkSmlGetPfDeviceCount(), 1u);
+    EXPECT_STREQ(InfoOf(100).bdfId, "0000:1e:00.2");
+    ASSERT_EQ(LimitedIndices(), (std::vector<uint32_t>{5, 101}));
+    DkSmlLimitedDeviceInfo vf = LimitedInfoOf(101);
+    EXPECT_STREQ(vf.bdfId, "0000:1e:00.1");
+    EXPECT_EQ(vf.isVf, 1u);
+    uint32_t vfs[4] = {};
+    uint32_t count = 4;
+    ASSERT_EQ(dkSmlGetVirtualDevicesByPhysicalId(2, &count, vfs), DK_SML_SUCCESS);
+    EXPECT_EQ(std::vector<uint32_t>(vfs, vfs + count), std::vector<uint32_t>{100});
+}
+
+TEST(LimitedDevices, WithoutTheDriverEveryGpuIsLimited) {
+    vhost::ScopedHost host("no-driver"sv);
+    EXPECT_EQ(dkSmlInitWithFlags(1), DK_SML_ERROR_NO_DEVICE);
+    EXPECT_EQ(dkSmlGetDeviceCount(), 0u);
+    ASSERT_EQ(LimitedIndices(), (std::vector<uint32_t>{0, 1}));
+    EXPECT_STREQ(LimitedInfoOf(0).bdfId, "0000:3b:00.0");
+    EXPECT_STREQ(LimitedInfoOf(1).bdfId, "0000:5e:00.0");
+    for (uint32_t index : {0u, 1u}) {
+        DkSmlDeviceUnavailableReasonInfo reason = ReasonOf(index);
+        EXPECT_EQ(reason.reason, 100u);
+        EXPECT_STREQ(reason.reasonText, "Dravik Kernel Driver Not Found");
+    }
+}
+
+TEST(LimitedDevices, UnreadableModuleListIsASysfsError) {
+    vhost::ScopedHost host("server"sv);
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    host.Remove("/proc/modules");
+    DkSmlDeviceUnavailableReasonInfo reason{};
+    EXPECT_EQ(dkSmlGetDeviceUnavailableReason(5, &reason), DK_SML_ERROR_SYSFS);
+}
+
+TEST(LimitedDevices, ListFollowsTheCountRule) {
+    vhost::ScopedHost host("no-driver"sv);
+    dkSmlInitWithFlags(1);
+    uint32_t indices[1] = {};
+    uint32_t count = 1;
+    EXPECT_EQ(dkSmlGetAllLimitedDevices(&count, indices), DK_SML_ERROR_INSUFFICIENT_SIZE);
+    EXPECT_EQ(count, 2u);
+    EXPECT_EQ(dkSmlGetAllLimitedDevices(nullptr, indices), DK_SML_ERROR_INVALID_INPUT);
+    DkSmlLimitedDeviceInfo info{};
+    EXPECT_EQ(dkSmlGetLimitedDeviceInfo(7, &info), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+}
+
+}  // namespace
+}  // namespace dksml::test

@@ -1,0 +1,219 @@
+// Device numbering, virtual-function linking, die records and rediscovery on
+// the shipped server, guest, no-driver and empty hosts.
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "core/dk_system_manager.h"
+#include "discovery_host.h"
+
+namespace dksml::test {
+namespace {
+
+// The server host in PCI order: five physical GPUs, a DKK2 that hosts two
+// virtual functions and a DKK1 without "pcipowerstate".
+struct ExpectedDevice {
+    uint32_t index;
+    const char* bdf;
+    const char* name;
+    DkSmlDeviceBrand brand;
+    DkSmlDeviceVirtualizationMode mode;
+    uint32_t dieCount;
+};
+
+const ExpectedDevice c_serverDevices[] = {
+    {0, "0000:1b:00.0", "DKK6-A", DK_SML_BRAND_DKK_X, DK_SML_VIRTUALIZATION_MODE_NONE, 2},
+    {1, "0000:1c:00.0", "DKK6-AL", DK_SML_BRAND_DKK_X, DK_SML_VIRTUALIZATION_MODE_NONE, 1},
+    {2, "0000:1e:00.0", "DKK2", DK_SML_BRAND_DKK, DK_SML_VIRTUALIZATION_MODE_PF, 1},
+    {3, "0000:af:00.0", "DKK6-PL", DK_SML_BRAND_DKK_X, DK_SML_VIRTUALIZATION_MODE_NONE, 2},
+    {4, "0000:b0:00.0", "DKK6U", DK_SML_BRAND_DKK_X, DK_SML_VIRTUALIZATION_MODE_NONE, 1},
+    {100, "0000:1e:00.1", "DKK2 VF", DK_SML_BRAND_DKK, DK_SML_VIRTUALIZATION_MODE_VF, 1},
+    {101, "0000:1e:00.2", "DKK2 VF", DK_SML_BRAND_DKK, DK_SML_VIRTUALIZATION_MODE_VF, 1},
+};
+
+TEST(ServerDiscovery, NumbersPhysicalFromZeroAndVirtualFromHundred) {
+    vhost::ScopedHost host("server"sv);
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    EXPECT_EQ(dkSmlGetDeviceCount(), 5u);
+    EXPECT_EQ(dkSmlGetPfDeviceCount(), 2u);  // the virtual functions
+    for (const ExpectedDevice& expected : c_serverDevices) {
+        SCOPED_TRACE(expected.bdf);
+        DkSmlDeviceInfo info = InfoOf(expected.index);
+        EXPECT_EQ(info.deviceIndex, expected.index);
+        EXPECT_STREQ(info.bdfId, expected.bdf);
+        EXPECT_STREQ(info.deviceName, expected.name);
+        EXPECT_EQ(info.brand, expected.brand);
+        EXPECT_EQ(info.virtualizationMode, expected.mode);
+        uint32_t dies = 0;
+        EXPECT_EQ(dkSmlGetDeviceDieCount(expected.index, &dies), DK_SML_SUCCESS);
+        EXPECT_EQ(dies, expected.dieCount);
+    }
+    DkSmlDeviceInfo info{};
+    EXPECT_EQ(dkSmlGetDeviceInfo(5, &info), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+    EXPECT_EQ(dkSmlGetDeviceInfo(102, &info), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+}
+
+TEST(ServerDiscovery, IdentityComesFromTheLayoutNode) {
+    vhost::ScopedHost host("server"sv);
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    DkSmlDeviceInfo info = InfoOf(0);
+    EXPECT_EQ(info.gpuId, 48651u);
+    const std::string node = LayoutNodeOf(host, "0000:1b:00.0");
+    EXPECT_EQ(std::to_string(info.nodeId), node.substr(node.rfind('/') + 1));
+    std::string uuid = host.ReadFile(node + "/unique_id");
+    EXPECT_EQ(std::string(info.uuid) + "\n", uuid);
+    uint32_t index = 99;
+    EXPECT_TRUE(DkSystemManager::GetInstance().GetDeviceIdByGpuId(55731, index));
+    EXPECT_EQ(index, 4u);
+    EXPECT_EQ(DkSystemManager::GetInstance().GetGpuIdByDeviceId(1), 51342u);
+    EXPECT_EQ(DkSystemManager::GetInstance().GetGpuIdByDeviceId(5), 0u);
+}
+
+TEST(ServerDiscovery, LinksVirtualFunctionsToTheirPhysicalFunction) {
+    vhost::ScopedHost host("server"sv);
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    uint32_t vfs[4] = {};
+    uint32_t count = 4;
+    ASSERT_EQ(dkSmlGetVirtualDevicesByPhysicalId(2, &count, vfs), DK_SML_SUCCESS);
+    EXPECT_EQ(std::vector<uint32_t>(vfs, vfs + count), (std::vector<uint32_t>{100, 101}));
+    count = 1;
+    EXPECT_EQ(dkSmlGetVirtualDevicesByPhysicalId(2, &count, vfs), DK_SML_ERROR_INSUFFICIENT_SIZE);
+    EXPECT_EQ(count, 2u);
+    count = 4;
+    ASSERT_EQ(dkSmlGetVirtualDevicesByPhysicalId(0, &count, vfs), DK_SML_SUCCESS);
+    EXPECT_EQ(count, 0u);
+
+    auto& manager = DkSystemManager::GetInstance();
+    IDkDevice* ancestor = manager.GetPfAncestor(manager.GetDeviceById(101).get());
+    ASSERT_NE(ancestor, nullptr);
+    EXPECT_EQ(ancestor->GetDeviceId(), 2u);
+    EXPECT_EQ(manager.GetDeviceById(101)->GetPfAncestor(), ancestor);
+    EXPECT_EQ(manager.GetPfAncestor(manager.GetDeviceById(0).get()), nullptr);
+}
+
+// Die records: physical dies take the running die number, virtual functions
+// their own index.
+TEST(ServerDiscovery, NumbersDiesAcrossDevices) {
+    vhost::ScopedHost host("server"sv);
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    auto& manager = DkSystemManager::GetInstance();
+    const struct {
+        uint32_t vornId, deviceIndex, die;
+    } expected[] = {{0, 0, 0}, {1, 0, 1}, {2, 1, 0}, {3, 2, 0}, {4, 3, 0}, {5, 3, 1}, {6, 4, 0}};
+    for (const auto& row : expected) {
+        SCOPED_TRACE(row.vornId);
+        DkDieInfo* die = manager.GetDieByVornId(row.vornId);
+        ASSERT_NE(die, nullptr);
+        EXPECT_EQ(die->device->GetDeviceId(), row.deviceIndex);
+        EXPECT_EQ(die->dieIndex, row.die);
+        EXPECT_TRUE(manager.CheckDeviceHandle(die));
+    }
+    EXPECT_EQ(manager.GetDieByVornId(7), nullptr);
+    EXPECT_EQ(manager.GetDieByVornId(100), nullptr);  // a virtual function has no compute-stack number
+    DkDieInfo* vf = manager.GetDieBySmlId(100);
+    ASSERT_NE(vf, nullptr);
+    EXPECT_EQ(vf->device->GetBdfId(), "0000:1e:00.1");
+    EXPECT_EQ(manager.GetDieBySmlId(3), manager.GetDieByVornId(4));
+    EXPECT_EQ(manager.GetDieBySmlId(5), nullptr);  // limited
+
+    DkDieInfo stranger;
+    EXPECT_FALSE(manager.CheckDeviceHandle(&stranger));
+    EXPECT_FALSE(manager.CheckDeviceHandle(nullptr));
+}
+
+TEST(ServerDiscovery, FindsDevicesByAnySpellingOfTheirBusId) {
+    vhost::ScopedHost host("server"sv);
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    auto& manager = DkSystemManager::GetInstance();
+    const struct {
+        const char* text;
+        bool found;
+        uint32_t index;
+    } cases[] = {
+        {"0000:1e:00.0", true, 2}, {"0:1e:0.0", true, 2},  {"0000:1E:00.2", true, 101},
+        {"0:1b:0.0", true, 0},     {"zz:1e:00.0", false, 0}, {"0000:1e:00.7", false, 0},
+        {"", false, 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        uint32_t index = 999;
+        EXPECT_EQ(manager.GetDeviceIdByBdf(c.text, index), c.found);
+        if (c.found) {
+            EXPECT_EQ(index, c.index);
+        }
+    }
+    // The same record whichever spelling found the device.
+    uint32_t shortForm = 0, longForm = 0;
+    ASSERT_TRUE(manager.GetDeviceIdByBdf("0:1e:0.0", shortForm));
+    ASSERT_TRUE(manager.GetDeviceIdByBdf("0000:1e:00.0", longForm));
+    EXPECT_EQ(manager.GetDieBySmlId(shortForm), manager.GetDieBySmlId(longForm));
+}
+
+TEST(ServerDiscovery, RediscoveryRenumbersAndInvalidatesHandles) {
+    vhost::ScopedHost host("server"sv);
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    auto& manager = DkSystemManager::GetInstance();
+    DkDieInfo* oldHandle = manager.GetDieByVornId(0);
+    ASSERT_NE(oldHandle, nullptr);
+
+    host.Remove(DevicePath("0000:1b:00.0"));
+    EXPECT_EQ(dkSmlInit(), DK_SML_SUCCESS);  // flags 0: no new pass
+    EXPECT_EQ(dkSmlGetDeviceCount(), 5u);
+    EXPECT_TRUE(manager.CheckDeviceHandle(oldHandle));
+
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    EXPECT_EQ(dkSmlGetDeviceCount(), 4u);
+    EXPECT_FALSE(manager.CheckDeviceHandle(oldHandle));
+    EXPECT_STREQ(InfoOf(0).bdfId, "0000:1c:00.0");
+    EXPECT_STREQ(InfoOf(100).bdfId, "0000:1e:00.1");
+    EXPECT_EQ(LimitedIndices(), std::vector<uint32_t>{4});
+    DkDieInfo* first = manager.GetDieByVornId(0);
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(first->device->GetBdfId(), "0000:1c:00.0");
+    EXPECT_EQ(manager.GetDieByVornId(5), nullptr);  // one die fewer
+}
+
+TEST(GuestDiscovery, SeesOnlyVirtualFunctions) {
+    vhost::ScopedHost host("guest"sv);
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    EXPECT_EQ(dkSmlGetDeviceCount(), 0u);
+    EXPECT_EQ(dkSmlGetPfDeviceCount(), 2u);
+    EXPECT_STREQ(InfoOf(100).bdfId, "0000:00:05.0");
+    EXPECT_STREQ(InfoOf(101).bdfId, "0000:00:06.0");
+    EXPECT_EQ(InfoOf(100).virtualizationMode, DK_SML_VIRTUALIZATION_MODE_VF);
+    EXPECT_STREQ(InfoOf(101).deviceName, "DKK6-A VF");
+    DkSmlDeviceInfo info{};
+    EXPECT_EQ(dkSmlGetDeviceInfo(0, &info), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+    EXPECT_EQ(DkSystemManager::GetInstance().GetDieByVornId(0), nullptr);
+    EXPECT_NE(DkSystemManager::GetInstance().GetDieBySmlId(101), nullptr);
+}
+
+TEST(EmptyDiscovery, FindsNothingAndStaysUninitialised) {
+    {
+        vhost::ScopedHost server("server"sv);
+        ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    }
+    vhost::ScopedHost host("empty"sv);
+    EXPECT_EQ(dkSmlInitWithFlags(1), DK_SML_ERROR_NO_DEVICE);
+    EXPECT_EQ(dkSmlGetDeviceCount(), 0u);
+    EXPECT_EQ(dkSmlGetPfDeviceCount(), 0u);
+    DkSmlDeviceInfo info{};
+    EXPECT_EQ(dkSmlGetDeviceInfo(0, &info), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+    EXPECT_TRUE(LimitedIndices().empty());
+    // Not initialised: a plain init looks again.
+    EXPECT_EQ(dkSmlInit(), DK_SML_ERROR_NO_DEVICE);
+}
+
+TEST(VendorOverride, AcceptsOnlyTheConfiguredVendor) {
+    vhost::ScopedHost host("server"sv);
+    host.WriteFile("/opt/smi/etc/vendorid", "0x1e3b\n");  // the partner board only
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    EXPECT_EQ(dkSmlGetDeviceCount(), 1u);
+    EXPECT_STREQ(InfoOf(0).bdfId, "0000:1c:00.0");
+    EXPECT_EQ(dkSmlGetPfDeviceCount(), 0u);
+}
+
+}  // namespace
+}  // namespace dksml::test
