@@ -89,6 +89,7 @@ struct BadClockText {
     const char* name;
     const char* text;
     DkSmlReturn expected;
+    friend void PrintTo(const BadClockText& testCase, std::ostream* out) { *out << testCase.name; }
 };
 
 class ClockBadTextTest : public ClockTest, public ::testing::WithParamInterface<BadClockText> {};
@@ -159,6 +160,7 @@ struct IpCase {
     DkSmlClockIp ip;
     DkSmlReturn expected;
     std::vector<uint32_t> values;
+    friend void PrintTo(const IpCase& testCase, std::ostream* out) { *out << testCase.name; }
 };
 
 class ClockIpTest : public ClockTest, public ::testing::WithParamInterface<IpCase> {};
@@ -241,6 +243,7 @@ struct MaskCase {
     const char* text;
     DkSmlReturn expected;
     uint64_t mask;
+    friend void PrintTo(const MaskCase& testCase, std::ostream* out) { *out << testCase.name; }
 };
 
 class ThrottleTextTest : public ClockTest, public ::testing::WithParamInterface<MaskCase> {};

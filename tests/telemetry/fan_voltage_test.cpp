@@ -17,6 +17,7 @@ struct FanCase {
     const char* text;
     DkSmlReturn expected;
     uint32_t rpm, pwm;
+    friend void PrintTo(const FanCase& testCase, std::ostream* out) { *out << testCase.name; }
 };
 
 class FanTextTest : public ::testing::TestWithParam<FanCase> {

@@ -35,6 +35,7 @@ struct KeyCase {
     const char* text;
     int32_t DkSmlTemperature::*field;
     int32_t expected;
+    friend void PrintTo(const KeyCase& testCase, std::ostream* out) { *out << testCase.name; }
 };
 
 class TemperatureKeyTest : public TemperatureTest, public ::testing::WithParamInterface<KeyCase> {};
@@ -119,6 +120,7 @@ struct SingleCase {
     DkSmlTemperatureSensors sensor;
     DkSmlReturn expected;
     int32_t value;
+    friend void PrintTo(const SingleCase& testCase, std::ostream* out) { *out << testCase.name; }
 };
 
 class TemperatureSingleTest : public TemperatureTest, public ::testing::WithParamInterface<SingleCase> {};
