@@ -1,0 +1,24 @@
+// A virtual host with a fresh discovery, shared by the API tests.
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+#include "dksml.h"
+#include "vhost/dk_virtual_host.h"
+
+namespace dksml::test {
+
+// Indices that no device has on the "empty" host (and on most others).
+constexpr uint32_t c_absentIndices[] = {0, 1, 99, 100, 4242, 0xFFFFFFFFu};
+
+// Forces a discovery on the host so no earlier test's devices linger.
+inline std::unique_ptr<vhost::ScopedHost> MakeHost(std::string_view profile) {
+    auto host = std::make_unique<vhost::ScopedHost>(profile);
+    (void)dkSmlInitWithFlags(1);
+    return host;
+}
+
+}  // namespace dksml::test
