@@ -89,7 +89,9 @@ void DkSystemManager::ResetDiscoveryState() {
     s.sgpuIdMap.clear();
     s.bdfToDeviceIndex.clear();
     s.devices.clear();
+    s.retiredDies = std::move(s.dies);  // moves the nodes: their addresses stay taken
     s.dies.clear();
+    for (auto& [key, die] : s.retiredDies) die.device.reset();
     s.boardIds.clear();
     s.acceptedVendorIds.clear();
     s.topology.reset();

@@ -42,6 +42,9 @@ struct DkSystemManager::State {
     std::unordered_map<std::string, uint32_t> bdfToDeviceIndex;
     std::map<uint32_t, std::shared_ptr<IDkDevice>> devices;
     std::map<uint32_t, DkDieInfo> dies;                            // handles point into this
+    // The records of the previous pass, without their devices: holding their
+    // memory keeps new records from reusing an address a caller still holds.
+    std::map<uint32_t, DkDieInfo> retiredDies;
     std::map<uint32_t, uint32_t> boardIds;                         // device index -> board id
     std::unordered_set<uint32_t> acceptedVendorIds;
 };

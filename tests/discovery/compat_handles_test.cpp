@@ -1,0 +1,82 @@
+// Compatibility handles: one per die of each physical device, found by
+// compute-stack number, bus id or UUID, and void after rediscovery.
+#include <cstring>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "discovery_host.h"
+
+namespace dksml::test {
+namespace {
+
+DkSmlExDevice HandleByIndex(uint32_t index) {
+    DkSmlExDevice handle = nullptr;
+    EXPECT_EQ(dkSmlExGetDeviceHandleByIndex(index, &handle), DK_SML_EX_SUCCESS) << index;
+    return handle;
+}
+
+TEST(CompatHandles, OneHandlePerDieOfEachPhysicalDevice) {
+    vhost::ScopedHost host("server"sv);
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    uint32_t count = 0;
+    ASSERT_EQ(dkSmlExDeviceGetCount(&count), DK_SML_EX_SUCCESS);
+    EXPECT_EQ(count, 7u);  // DKK6-A and DKK6-PL have two dies each
+    // Dies of one device share its identity; the next number is the next device.
+    const struct {
+        uint32_t vornId;
+        const char* bdf;
+    } rows[] = {{0, "0000:1b:00.0"}, {1, "0000:1b:00.0"}, {2, "0000:1c:00.0"}, {3, "0000:1e:00.0"},
+                {4, "0000:af:00.0"}, {5, "0000:af:00.0"}, {6, "0000:b0:00.0"}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.vornId);
+        DkSmlExPciInfo pci{};
+        ASSERT_EQ(dkSmlExDeviceGetPciInfo(HandleByIndex(row.vornId), &pci), DK_SML_EX_SUCCESS);
+        EXPECT_STREQ(pci.busId, row.bdf);
+    }
+    DkSmlExDevice handle = nullptr;
+    EXPECT_EQ(dkSmlExGetDeviceHandleByIndex(7, &handle), DK_SML_EX_ERROR_INVALID_ARGUMENT);
+    EXPECT_EQ(dkSmlExGetDeviceHandleByIndex(100, &handle), DK_SML_EX_ERROR_INVALID_ARGUMENT);
+}
+
+TEST(CompatHandles, BusIdInAnyWidthFindsTheSameHandle) {
+    vhost::ScopedHost host("server"sv);
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    DkSmlExDevice longForm = nullptr, shortForm = nullptr;
+    ASSERT_EQ(dkSmlExGetDeviceHandleByPciBusId("0000:1e:00.0", &longForm), DK_SML_EX_SUCCESS);
+    ASSERT_EQ(dkSmlExGetDeviceHandleByPciBusId("0:1e:0.0", &shortForm), DK_SML_EX_SUCCESS);
+    EXPECT_EQ(longForm, shortForm);
+    EXPECT_EQ(longForm, HandleByIndex(3));
+    DkSmlExDevice handle = nullptr;
+    EXPECT_EQ(dkSmlExGetDeviceHandleByPciBusId("zz:1e:00.0", &handle), DK_SML_EX_ERROR_INVALID_ARGUMENT);
+    EXPECT_EQ(dkSmlExGetDeviceHandleByPciBusId("0000:d8:00.0", &handle), DK_SML_EX_ERROR_INVALID_ARGUMENT);  // limited
+}
+
+TEST(CompatHandles, UuidRoundTripAndBufferRule) {
+    vhost::ScopedHost host("server"sv);
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    DkSmlExDevice handle = HandleByIndex(2);
+    char uuid[DK_SML_UUID_LENGTH] = {};
+    ASSERT_EQ(dkSmlExDeviceGetUUID(handle, uuid, sizeof(uuid)), DK_SML_EX_SUCCESS);
+    ASSERT_GT(std::strlen(uuid), 0u);
+    DkSmlExDevice byUuid = nullptr;
+    ASSERT_EQ(dkSmlExDeviceGetHandleByUUID(uuid, &byUuid), DK_SML_EX_SUCCESS);
+    EXPECT_EQ(byUuid, handle);
+    char exact[DK_SML_UUID_LENGTH] = {};
+    EXPECT_EQ(dkSmlExDeviceGetUUID(handle, exact, static_cast<uint32_t>(std::strlen(uuid))),
+              DK_SML_EX_ERROR_INSUFFICIENT_SIZE);
+}
+
+TEST(CompatHandles, HandlesOfAnEarlierPassAreRefused) {
+    vhost::ScopedHost host("server"sv);
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    DkSmlExDevice old = HandleByIndex(0);
+    char uuid[DK_SML_UUID_LENGTH] = {};
+    ASSERT_EQ(dkSmlExDeviceGetUUID(old, uuid, sizeof(uuid)), DK_SML_EX_SUCCESS);
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    EXPECT_EQ(dkSmlExDeviceGetUUID(old, uuid, sizeof(uuid)), DK_SML_EX_ERROR_INVALID_ARGUMENT);
+    EXPECT_EQ(dkSmlExDeviceGetUUID(HandleByIndex(0), uuid, sizeof(uuid)), DK_SML_EX_SUCCESS);
+}
+
+}  // namespace
+}  // namespace dksml::test
