@@ -291,7 +291,11 @@ std::vector<LinkSpec> ParseLinks(const json& links, const HostSpec& host) {
         const DeviceSpec* from = host.FindDevice(spec.from);
         if (from == nullptr || !from->IsGpu()) Fail(where, "from is not a GPU function of this profile");
         if (spec.to.rfind("cpu:", 0) == 0) {
-            const uint32_t cpu = std::stoul(spec.to.substr(4));
+            const std::string number = spec.to.substr(4);
+            if (number.empty() || number.find_first_not_of("0123456789") != std::string::npos) {
+                Fail(where, "a CPU node is written cpu:N");
+            }
+            const uint32_t cpu = std::stoul(number);
             const bool known = std::any_of(host.cpuNodes.begin(), host.cpuNodes.end(),
                                            [&](const CpuNodeSpec& n) { return n.nodeId == cpu; });
             if (!known) Fail(where, "no CPU node " + std::to_string(cpu));

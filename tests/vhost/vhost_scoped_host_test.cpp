@@ -68,13 +68,17 @@ TEST(ScopedHost, FileHelpersWorkOnHostPaths) {
 }
 
 TEST(ScopedHost, AnInvalidProfileLeavesNoDirectoryAndNoVariable) {
-    EnvGuard guard("DK_SMI_FSROOT");
+    EnvGuard rootGuard("DK_SMI_FSROOT");
+    EnvGuard tmpGuard("TMPDIR");
     unsetenv("DK_SMI_FSROOT");
-    const auto before = std::distance(fs::directory_iterator(fs::temp_directory_path()), fs::directory_iterator());
+    // A private temporary directory: others may be creating hosts meanwhile.
+    const fs::path tmp = fs::temp_directory_path() / "dkvhost-private-tmp";
+    fs::create_directories(tmp);
+    setenv("TMPDIR", tmp.c_str(), 1);
     EXPECT_THROW(ScopedHost(nlohmann::json{{"devices", {{{"bus_id", "bad"}}}}}), std::runtime_error);
     EXPECT_EQ(std::getenv("DK_SMI_FSROOT"), nullptr);
-    const auto after = std::distance(fs::directory_iterator(fs::temp_directory_path()), fs::directory_iterator());
-    EXPECT_EQ(before, after);
+    EXPECT_TRUE(fs::is_empty(tmp));
+    fs::remove_all(tmp);
 }
 
 TEST(ProfileDirectory, EnvironmentOverrideWins) {
