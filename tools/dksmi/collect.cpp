@@ -58,9 +58,11 @@ std::optional<int32_t> ValidTemperature(int32_t value) {
     return value;
 }
 
-template <typename T>
-std::optional<T> IfOk(DkSmlReturn status, T value) {
-    if (status != DK_SML_SUCCESS) return std::nullopt;
+// One value through a `DkSmlReturn read(T*)` call; empty when refused.
+template <typename T, typename Read>
+std::optional<T> ReadValue(Read&& read) {
+    T value{};
+    if (read(&value) != DK_SML_SUCCESS) return std::nullopt;
     return value;
 }
 
@@ -102,8 +104,8 @@ DieReport CollectDie(uint32_t index, uint32_t die) {
     DieReport report;
     report.die = die;
 
-    uint64_t mask = 0;
-    report.throttleMask = IfOk(dkSmlGetCurrentClocksThrottleReason(index, die, &mask), mask);
+    report.throttleMask =
+        ReadValue<uint64_t>([&](uint64_t* mask) { return dkSmlGetCurrentClocksThrottleReason(index, die, mask); });
 
     DkSmlClocksFreqForAll clocks{};
     if (dkSmlGetClocks(index, die, &clocks) == DK_SML_SUCCESS) report.clocks = ToClockReadings(clocks);
@@ -155,8 +157,7 @@ std::optional<DeviceReport> CollectDevice(uint32_t index) {
     report.role = RoleOf(info.virtualizationMode);
     if (report.role == DeviceRole::PhysicalFunction) report.virtualFunctions = VirtualFunctionsOf(index);
 
-    uint32_t dieCount = 0;
-    report.dieCount = IfOk(dkSmlGetDeviceDieCount(index, &dieCount), dieCount);
+    report.dieCount = ReadValue<uint32_t>([&](uint32_t* count) { return dkSmlGetDeviceDieCount(index, count); });
 
     int32_t hotspot = 0;
     if (dkSmlGetTemperatureInfo(index, DK_SML_TEMPERATURE_HOTSPOT, &hotspot) == DK_SML_SUCCESS)
@@ -169,8 +170,8 @@ std::optional<DeviceReport> CollectDevice(uint32_t index) {
         report.fanDuty = duty;
     }
 
-    uint64_t mask = 0;
-    report.throttleMask = IfOk(dkSmlGetCurrentClocksThrottleReason(index, DK_SML_DIE_ALL, &mask), mask);
+    report.throttleMask = ReadValue<uint64_t>(
+        [&](uint64_t* mask) { return dkSmlGetCurrentClocksThrottleReason(index, DK_SML_DIE_ALL, mask); });
 
     for (uint32_t die = 0; die < report.dieCount.value_or(0); ++die) report.dies.push_back(CollectDie(index, die));
     return report;
