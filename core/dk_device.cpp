@@ -2,12 +2,12 @@
 
 #include <cctype>
 #include <cstdio>
-#include <dirent.h>
 #include <string_view>
 #include <utility>
 
 #include "core/dk_bdf.h"
 #include "core/dk_device_tables.h"
+#include "core/dk_file_text.h"
 #include "core/dk_host_root.h"
 #include "core/dk_pci_ids.h"
 #include "driver/dk_driver_data_handler.h"
@@ -31,16 +31,6 @@ DkSmlReturn CopyText(const std::string& text, char* buffer, uint32_t* size) {
     if (capacity <= text.size()) return DK_SML_ERROR_INSUFFICIENT_SIZE;
     std::snprintf(buffer, capacity, "%s", text.c_str());
     return DK_SML_SUCCESS;
-}
-
-// First line of a file with surrounding blanks removed; empty when unreadable.
-std::string ReadFirstLine(const std::string& path) {
-    std::string text;
-    if (ReadFileText(path, text) != DK_SML_SUCCESS) return {};
-    DkTextLines lines(text);
-    std::string_view line;
-    if (!lines.Next(line)) return {};
-    return std::string(TrimView(line, " \t\r"));
 }
 
 // "key: value" text after the first ':' of the first line that holds `key`.
@@ -78,13 +68,6 @@ bool ParseRegisterValue(std::string_view text, unsigned int& value) {
     for (char c : token)
         if (!std::isxdigit(static_cast<unsigned char>(c))) return false;
     return stoui_nt(token, value, 16);
-}
-
-bool DirectoryOpens(const std::string& path) {
-    DIR* dir = opendir(path.c_str());
-    if (dir == nullptr) return false;
-    closedir(dir);
-    return true;
 }
 
 void FillReason(DkSmlDeviceUnavailableReasonInfo* info, uint32_t reason, const char* text) {

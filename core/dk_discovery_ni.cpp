@@ -4,6 +4,7 @@
 #include <dirent.h>
 #include <string_view>
 
+#include "core/dk_file_text.h"
 #include "core/dk_host_root.h"
 #include "core/dk_system_manager.h"
 #include "core/dk_system_manager_state.h"
@@ -13,14 +14,6 @@ namespace dksml {
 namespace {
 
 constexpr const char* c_nicVendorEnv = "DK_SMI_NIC_VENDOR";
-
-bool ReadFirstNumber(const std::string& path, unsigned int& value, int base) {
-    std::string text;
-    if (ReadFileText(path, text) != DK_SML_SUCCESS) return false;
-    DkTextLines lines(text);
-    std::string_view line;
-    return lines.Next(line) && stoui_nt(TrimView(line, " \t\r"), value, base);
-}
 
 }  // namespace
 

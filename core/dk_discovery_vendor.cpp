@@ -2,6 +2,7 @@
 // identity files of one PCI function.
 #include <string_view>
 
+#include "core/dk_file_text.h"
 #include "core/dk_host_root.h"
 #include "core/dk_pci_ids.h"
 #include "core/dk_system_manager.h"
@@ -18,13 +19,8 @@ constexpr std::string_view c_vfDriverName = "DKGVM";
 
 // First line of a file as a number in base 0 ("0x1e27", "7719"); 0 when unreadable.
 uint32_t ReadIdFile(const std::string& path) {
-    std::string text;
-    if (ReadFileText(path, text) != DK_SML_SUCCESS) return 0;
-    DkTextLines lines(text);
-    std::string_view line;
     unsigned int value = 0;
-    if (!lines.Next(line) || !stoui_nt(TrimView(line, " \t\r"), value, 0)) return 0;
-    return value;
+    return ReadFirstNumber(path, value, 0) ? value : 0;
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/dk_file_text.h"
 #include "core/dk_host_root.h"
 #include "core/dk_system_manager.h"
 #include "core/dk_system_manager_state.h"
@@ -16,15 +17,6 @@ namespace {
 constexpr std::string_view c_cpuNodeType = "cpu";
 constexpr std::string_view c_sliceNodeType = "sgpu-sub-dev";
 constexpr uint32_t c_linkNodeModulus = 65536;
-
-std::string ReadFirstLine(const std::string& path) {
-    std::string text;
-    if (ReadFileText(path, text) != DK_SML_SUCCESS) return {};
-    DkTextLines lines(text);
-    std::string_view line;
-    if (!lines.Next(line)) return {};
-    return std::string(TrimView(line, " \t\r"));
-}
 
 template <typename T>
 bool ReadNumberFile(const std::string& path, T& value) {

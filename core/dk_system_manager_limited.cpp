@@ -1,10 +1,10 @@
 // Devices that were found but cannot be served, and why.
 #include <cstdio>
-#include <dirent.h>
 #include <string_view>
 
 #include "core/dk_device.h"
 #include "core/dk_driver_data_handler_factory.h"
+#include "core/dk_file_text.h"
 #include "core/dk_host_root.h"
 #include "core/dk_system_manager.h"
 #include "core/dk_system_manager_state.h"
@@ -44,13 +44,6 @@ DkSmlReturn CheckIsDriverInstalled(bool& installed) {
     while (lines.Next(line))
         if (line.find(c_driverModuleName) != std::string_view::npos) installed = true;
     return DK_SML_SUCCESS;
-}
-
-bool DirectoryOpens(const std::string& path) {
-    DIR* dir = opendir(path.c_str());
-    if (dir == nullptr) return false;
-    closedir(dir);
-    return true;
 }
 
 void FillReason(DkSmlDeviceUnavailableReasonInfo* info, uint32_t reason) {

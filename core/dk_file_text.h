@@ -1,0 +1,17 @@
+// Small file probes shared by discovery and the device object. Paths are
+// filesystem paths (HostPath already applied).
+#pragma once
+
+#include <string>
+
+namespace dksml {
+
+// First line without surrounding blanks; empty when unreadable or empty.
+std::string ReadFirstLine(const std::string& path);
+
+// The first line as an unsigned number ("0x" accepted in base 0).
+bool ReadFirstNumber(const std::string& path, unsigned int& value, int base);
+
+bool DirectoryOpens(const std::string& path);
+
+}  // namespace dksml
