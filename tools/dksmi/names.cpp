@@ -22,10 +22,6 @@ std::string RoleKey(DeviceRole role) {
     return kKeys.at(role);
 }
 
-}  // namespace dksmi
-
-namespace dksmi {
-
 std::string StatusText(DkSmlReturn status) {
     const char* text = dkSmlGetErrorString(status);
     return text ? text : "";

@@ -11,10 +11,6 @@ std::string BrandName(DkSmlDeviceBrand brand);
 // "physical", "physical_function" or "virtual_function" (JSON role).
 std::string RoleKey(DeviceRole role);
 
-}  // namespace dksmi
-
-namespace dksmi {
-
 // The library's text of a status code ("" if it has none).
 std::string StatusText(DkSmlReturn status);
 
