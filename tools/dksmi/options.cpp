@@ -5,6 +5,20 @@
 #include "outcome.h"
 
 namespace dksmi {
+namespace {
+
+// CLI11's own positive check prints the whole double range in its message.
+const CLI::Validator kPositive(
+    [](std::string& text) -> std::string {
+        try {
+            if (std::stod(text) > 0) return "";
+        } catch (const std::exception&) {
+        }
+        return "must be a number greater than 0, not " + text;
+    },
+    "> 0");
+
+}  // namespace
 
 ParseResult ParseOptions(int argc, char** argv) {
     CLI::App app{"dksmi - show the GPUs of this host, their clocks, temperatures, fan and\n"
@@ -25,10 +39,10 @@ ParseResult ParseOptions(int argc, char** argv) {
     app.add_flag("--json", options.json, "Print JSON (schema_version 1) instead of tables");
     CLI::Option* watchOption = app.add_option("--watch", watchSeconds, "Redraw every SECONDS until interrupted")
                                    ->type_name("SECONDS")
-                                   ->check(CLI::PositiveNumber);
+                                   ->check(kPositive);
     CLI::Option* countOption = app.add_option("--count", count, "With --watch: stop after N redraws")
                                    ->type_name("N")
-                                   ->check(CLI::PositiveNumber)
+                                   ->check(kPositive)
                                    ->needs(watchOption);
 
     try {
