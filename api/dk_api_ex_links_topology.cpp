@@ -194,7 +194,10 @@ DKSML_API DkSmlExReturn dkSmlExDeviceGetDravikLinkRemoteDeviceType(DkSmlExDevice
         DkSmlDravikLinkRemoteInfo remote;
         const DkSmlExReturn result = RemoteInfo(d, link, remote);
         if (result != DK_SML_EX_SUCCESS) return result;
-        *type = static_cast<DkSmlExDravikLinkDeviceType>(remote.remoteDeviceType);
+        const bool known = remote.remoteDeviceType == DK_SML_EX_DRAVIK_LINK_DEVICE_TYPE_GPU ||
+                           remote.remoteDeviceType == DK_SML_EX_DRAVIK_LINK_DEVICE_TYPE_SWITCH;
+        *type = known ? static_cast<DkSmlExDravikLinkDeviceType>(remote.remoteDeviceType)
+                      : DK_SML_EX_DRAVIK_LINK_DEVICE_TYPE_UNKNOWN;
         return DK_SML_EX_SUCCESS;
     });
 }
