@@ -245,7 +245,7 @@ class CString {
 public:
     explicit CString(std::string_view text) {
         if (text.size() < sizeof m_small) {
-            std::memcpy(m_small, text.data(), text.size());
+            if (!text.empty()) std::memcpy(m_small, text.data(), text.size());
             m_small[text.size()] = '\0';
             m_ptr = m_small;
         } else {
@@ -342,11 +342,23 @@ DkSmlReturn ParseKeyValueLines(std::string_view text, Record&& record) {
         if (label.empty()) return DK_SML_ERROR_SYSFS;
         const std::string_view value = line.substr(colon + 1);
         if (detail::ContainsNotSupport(value)) continue;
+        // Numbers go to a small local array first so that the list is
+        // allocated once, at its final size, in the common case.
+        int64_t local[16];
+        std::size_t count = 0;
         std::vector<int64_t> numbers;
         std::size_t pos = 0;
         int64_t number = 0;
-        while (detail::Scan<int64_t>(value, pos, number) == detail::ScanStatus::Ok) numbers.push_back(number);
-        if (numbers.empty()) continue;
+        while (detail::Scan<int64_t>(value, pos, number) == detail::ScanStatus::Ok) {
+            if (count < std::size(local)) {
+                local[count++] = number;
+            } else {
+                if (numbers.empty()) numbers.assign(local, local + count);
+                numbers.push_back(number);
+            }
+        }
+        if (count == 0) continue;
+        if (numbers.empty()) numbers.assign(local, local + count);
         record(label, std::move(numbers));
     }
     return DK_SML_SUCCESS;
@@ -396,12 +408,7 @@ DkSmlReturn ParseKeyValue(std::string_view text, DkKeyValueMap& out) {
     DkKeyValueMap result;
     const DkSmlReturn ret = ParseKeyValueLines(text, [&](std::string_view label, std::vector<int64_t>&& numbers) {
         // A label printed twice keeps its last list.
-        auto it = result.find(label);
-        if (it != result.end()) {
-            it->second = std::move(numbers);
-        } else {
-            result.emplace(std::string(label), std::move(numbers));
-        }
+        result.insert_or_assign(std::string(label), std::move(numbers));
     });
     if (ret != DK_SML_SUCCESS) return ret;
     out = std::move(result);

@@ -349,7 +349,15 @@ void GetArrayValue(DkTextLines& lines, T* values, std::size_t count, T fill) {
 
 template <typename T>
 void AddValueForArray(T* values, std::size_t count, T delta) {
-    for (std::size_t i = 0; i < count; ++i) values[i] = static_cast<T>(values[i] + delta);
+    for (std::size_t i = 0; i < count; ++i) {
+        if constexpr (std::is_integral_v<T> && !std::is_same_v<T, bool>) {
+            // Two's complement wrap instead of signed-overflow UB.
+            using U = std::make_unsigned_t<T>;
+            values[i] = static_cast<T>(static_cast<U>(static_cast<U>(values[i]) + static_cast<U>(delta)));
+        } else {
+            values[i] = static_cast<T>(values[i] + delta);
+        }
+    }
 }
 
 }  // namespace dksml

@@ -240,3 +240,20 @@ TEST(Conversions, UnqualifiedCallsWithStdStringThrowDkSmlReturn) {
 
 }  // namespace
 }  // namespace dksml
+
+namespace dksml {
+namespace {
+
+// Found by the fuzz targets.
+TEST(FuzzRegressions, DefaultConstructedViewAndWrappingAdd) {
+    int i = 5;
+    EXPECT_FALSE(stoi_nt(std::string_view(), i));  // data() is null: no memcpy from it
+    EXPECT_EQ(i, 5);
+    int values[2] = {INT_MAX, INT_MIN};
+    AddValueForArray(values, 2, 1);
+    EXPECT_EQ(values[0], INT_MIN);  // wraps, no signed-overflow UB
+    EXPECT_EQ(values[1], INT_MIN + 1);
+}
+
+}  // namespace
+}  // namespace dksml
