@@ -34,12 +34,22 @@ extern "C" {
 #define DKSML_API
 #endif
 
+/* Every enumeration is 32 bits wide. C callers may pass any 32-bit value where
+ * an enumeration is taken; giving the C++ side a fixed underlying type keeps
+ * every such value well defined inside the library, which then rejects the
+ * ones it does not know with a status code. */
+#ifdef __cplusplus
+#define DKSML_ENUM_BASE : uint32_t
+#else
+#define DKSML_ENUM_BASE
+#endif
+
 /* ------------------------------------------------------------------------ */
 /* Status codes                                                              */
 /* ------------------------------------------------------------------------ */
 
 /** Status of every native function. */
-typedef enum DkSmlReturn {
+typedef enum DkSmlReturn DKSML_ENUM_BASE {
     DK_SML_SUCCESS = 0,
     DK_SML_ERROR_FAILURE = 1,
     DK_SML_ERROR_NO_DEVICE = 2,
@@ -70,7 +80,7 @@ typedef enum DkSmlReturn {
 } DkSmlReturn;
 
 /** Status of every compatibility function. */
-typedef enum DkSmlExReturn {
+typedef enum DkSmlExReturn DKSML_ENUM_BASE {
     DK_SML_EX_SUCCESS = 0,
     DK_SML_EX_ERROR_UNINITIALIZED = 1,
     DK_SML_EX_ERROR_INVALID_ARGUMENT = 2,
@@ -120,7 +130,7 @@ typedef struct DkSmlExDeviceRecord *DkSmlExDevice;
 /* ------------------------------------------------------------------------ */
 
 /** Product family of a device. */
-typedef enum DkSmlDeviceBrand {
+typedef enum DkSmlDeviceBrand DKSML_ENUM_BASE {
     DK_SML_BRAND_UNKNOWN = 0,
     DK_SML_BRAND_DKQ = 1,       /* inference line (DKQ7 ... DKQ9)          */
     DK_SML_BRAND_DKK = 2,       /* training line (DKK1 ... DKK6U)          */
@@ -129,7 +139,7 @@ typedef enum DkSmlDeviceBrand {
 } DkSmlDeviceBrand;
 
 /** SR-IOV role of a PCI function. */
-typedef enum DkSmlDeviceVirtualizationMode {
+typedef enum DkSmlDeviceVirtualizationMode DKSML_ENUM_BASE {
     DK_SML_VIRTUALIZATION_MODE_NONE = 0, /* no SR-IOV role                 */
     DK_SML_VIRTUALIZATION_MODE_PF = 1,   /* physical function hosting VFs  */
     DK_SML_VIRTUALIZATION_MODE_VF = 2    /* virtual function               */
@@ -158,7 +168,7 @@ typedef struct DkSmlLimitedDeviceInfo {
 } DkSmlLimitedDeviceInfo;
 
 /** Why a device (or die) is not available. */
-typedef enum DkSmlUnavailableReason {
+typedef enum DkSmlUnavailableReason DKSML_ENUM_BASE {
     DK_SML_AVAILABLE = 0,
     DK_SML_UNAVAILABLE_DRIVER_NOT_FOUND = 100,
     DK_SML_UNAVAILABLE_LAYOUT_NODE_NOT_FOUND = 101,
@@ -181,7 +191,7 @@ typedef struct DkSmlIsaVersion {
 /* Clocks                                                                    */
 /* ------------------------------------------------------------------------ */
 
-typedef enum DkSmlClockIp {
+typedef enum DkSmlClockIp DKSML_ENUM_BASE {
     DK_SML_CLOCK_IP_CSC = 0,
     DK_SML_CLOCK_IP_DLA = 1,
     DK_SML_CLOCK_IP_MC = 2,
@@ -244,7 +254,7 @@ typedef struct DkSmlTemperature {
 } DkSmlTemperature;
 
 /** Sensor selector of the single-value temperature reads. */
-typedef enum DkSmlTemperatureSensors {
+typedef enum DkSmlTemperatureSensors DKSML_ENUM_BASE {
     DK_SML_TEMPERATURE_HOTSPOT = 0,
     DK_SML_TEMPERATURE_HOTLIMIT = 1,
     DK_SML_TEMPERATURE_SOC = 2,
@@ -516,7 +526,7 @@ DKSML_API DkSmlReturn dkSmlGetSgpuAnnotationsId(uint32_t deviceIndex, uint32_t s
 /* Topology and affinity                                                     */
 /* ------------------------------------------------------------------------ */
 
-typedef enum DkSmlGpuTopologyLevel {
+typedef enum DkSmlGpuTopologyLevel DKSML_ENUM_BASE {
     DK_SML_TOPOLOGY_SAME_DEVICE = 0,
     DK_SML_TOPOLOGY_SINGLE_SWITCH = 1,
     DK_SML_TOPOLOGY_MULTIPLE_SWITCHES = 2,
@@ -559,7 +569,7 @@ DKSML_API DkSmlReturn dkSmlGetDravikLinkRemoteInfo(uint32_t deviceIndex, uint32_
 /* Power                                                                     */
 /* ------------------------------------------------------------------------ */
 
-typedef enum DkSmlPmbusUnit {
+typedef enum DkSmlPmbusUnit DKSML_ENUM_BASE {
     DK_SML_PMBUS_UNIT_SOC = 0,
     DK_SML_PMBUS_UNIT_CORE = 1,
     DK_SML_PMBUS_UNIT_HBM = 2,
@@ -585,14 +595,14 @@ typedef struct DkSmlBoardPowerLimitInfo {
     uint32_t values[4];
 } DkSmlBoardPowerLimitInfo;
 
-typedef enum DkSmlPciPowerState {
+typedef enum DkSmlPciPowerState DKSML_ENUM_BASE {
     DK_SML_PCI_POWER_STATE_D0 = 0,
     DK_SML_PCI_POWER_STATE_D3HOT = 1,
     DK_SML_PCI_POWER_STATE_D3COLD = 2
 } DkSmlPciPowerState;
 
 /** DPM domain (also the IP of the per-IP power states). */
-typedef enum DkSmlDpmIp {
+typedef enum DkSmlDpmIp DKSML_ENUM_BASE {
     DK_SML_DPM_IP_DLA = 0,
     DK_SML_DPM_IP_XCORE = 1,
     DK_SML_DPM_IP_MC = 2,
@@ -693,7 +703,7 @@ DKSML_API DkSmlReturn dkSmlSetDpmIpMaxPerfLevel(uint32_t deviceIndex, DkSmlDpmIp
 /* Utilisation and memory                                                    */
 /* ------------------------------------------------------------------------ */
 
-typedef enum DkSmlUsageIp {
+typedef enum DkSmlUsageIp DKSML_ENUM_BASE {
     DK_SML_USAGE_IP_DLA = 0,
     DK_SML_USAGE_IP_VPUE = 1,
     DK_SML_USAGE_IP_VPUD = 2,
@@ -758,7 +768,7 @@ DKSML_API DkSmlReturn dkSmlGetChipSerial(uint32_t deviceIndex, char *serial, uin
 #define DK_SML_VERSION_LENGTH 64
 
 /** Version kind of dkSmlGetDeviceVersion; 2 and up are firmware units. */
-typedef enum DkSmlVersionUnit {
+typedef enum DkSmlVersionUnit DKSML_ENUM_BASE {
     DK_SML_VERSION_VBIOS = 0,
     DK_SML_VERSION_DRIVER = 1,
     DK_SML_VERSION_FW_SMP0 = 2,
@@ -860,7 +870,7 @@ typedef struct DkSmlPcieThroughput {
     uint32_t rx;
 } DkSmlPcieThroughput;
 
-typedef enum DkSmlPciGen {
+typedef enum DkSmlPciGen DKSML_ENUM_BASE {
     DK_SML_PCI_GEN1 = 1,
     DK_SML_PCI_GEN2 = 2,
     DK_SML_PCI_GEN3 = 3,
@@ -928,7 +938,7 @@ DKSML_API DkSmlReturn dkSmlGetOpticalModulePower(uint32_t deviceIndex, uint32_t 
 
 #define DK_SML_DRAVIK_LINK_MAX_PORTS 16
 
-typedef enum DkSmlDravikLinkType {
+typedef enum DkSmlDravikLinkType DKSML_ENUM_BASE {
     DK_SML_DRAVIK_LINK_INBOUND = 0,
     DK_SML_DRAVIK_LINK_OUTBOUND = 1
 } DkSmlDravikLinkType;
@@ -1027,47 +1037,47 @@ DKSML_API DkSmlReturn dkSmlGetSriovState(uint32_t deviceIndex, uint32_t *state);
 #define DK_SML_EX_SYSTEM_DKSML_VERSION_BUFFER_SIZE 16
 #define DK_SML_EX_SYSTEM_DRIVER_VERSION_BUFFER_SIZE 64
 
-typedef enum DkSmlExTemperatureSensors {
+typedef enum DkSmlExTemperatureSensors DKSML_ENUM_BASE {
     DK_SML_EX_TEMPERATURE_GPU = 0
 } DkSmlExTemperatureSensors;
 
-typedef enum DkSmlExTemperatureThresholds {
+typedef enum DkSmlExTemperatureThresholds DKSML_ENUM_BASE {
     DK_SML_EX_TEMPERATURE_THRESHOLD_SHUTDOWN = 0,
     DK_SML_EX_TEMPERATURE_THRESHOLD_SLOWDOWN = 1
 } DkSmlExTemperatureThresholds;
 
-typedef enum DkSmlExClockType {
+typedef enum DkSmlExClockType DKSML_ENUM_BASE {
     DK_SML_EX_CLOCK_GRAPHICS = 0,
     DK_SML_EX_CLOCK_SM = 1,         /* compute cores (xcore)              */
     DK_SML_EX_CLOCK_MEM = 2,        /* memory controller (mc)             */
     DK_SML_EX_CLOCK_VIDEO = 3       /* video encoder (vpue)               */
 } DkSmlExClockType;
 
-typedef enum DkSmlExClockId {
+typedef enum DkSmlExClockId DKSML_ENUM_BASE {
     DK_SML_EX_CLOCK_ID_CURRENT = 0,
     DK_SML_EX_CLOCK_ID_APP_CLOCK_TARGET = 1,
     DK_SML_EX_CLOCK_ID_APP_CLOCK_DEFAULT = 2,
     DK_SML_EX_CLOCK_ID_CUSTOMER_BOOST_MAX = 3
 } DkSmlExClockId;
 
-typedef enum DkSmlExEnableState {
+typedef enum DkSmlExEnableState DKSML_ENUM_BASE {
     DK_SML_EX_FEATURE_DISABLED = 0,
     DK_SML_EX_FEATURE_ENABLED = 1
 } DkSmlExEnableState;
 
 /** Performance state: 0 is the fastest, 15 the slowest. */
-typedef enum DkSmlExPstates {
+typedef enum DkSmlExPstates DKSML_ENUM_BASE {
     DK_SML_EX_PSTATE_0 = 0,
     DK_SML_EX_PSTATE_15 = 15,
     DK_SML_EX_PSTATE_UNKNOWN = 32
 } DkSmlExPstates;
 
-typedef enum DkSmlExPcieUtilCounter {
+typedef enum DkSmlExPcieUtilCounter DKSML_ENUM_BASE {
     DK_SML_EX_PCIE_UTIL_TX_BYTES = 0,
     DK_SML_EX_PCIE_UTIL_RX_BYTES = 1
 } DkSmlExPcieUtilCounter;
 
-typedef enum DkSmlExGpuTopologyLevel {
+typedef enum DkSmlExGpuTopologyLevel DKSML_ENUM_BASE {
     DK_SML_EX_TOPOLOGY_INTERNAL = 0,
     DK_SML_EX_TOPOLOGY_SINGLE = 10,
     DK_SML_EX_TOPOLOGY_MULTIPLE = 20,
@@ -1076,7 +1086,7 @@ typedef enum DkSmlExGpuTopologyLevel {
     DK_SML_EX_TOPOLOGY_SYSTEM = 50
 } DkSmlExGpuTopologyLevel;
 
-typedef enum DkSmlExGpuP2PCapsIndex {
+typedef enum DkSmlExGpuP2PCapsIndex DKSML_ENUM_BASE {
     DK_SML_EX_P2P_CAPS_INDEX_READ = 0,
     DK_SML_EX_P2P_CAPS_INDEX_WRITE = 1,
     DK_SML_EX_P2P_CAPS_INDEX_DRAVIK_LINK = 2,
@@ -1085,13 +1095,13 @@ typedef enum DkSmlExGpuP2PCapsIndex {
     DK_SML_EX_P2P_CAPS_INDEX_UNKNOWN = 5
 } DkSmlExGpuP2PCapsIndex;
 
-typedef enum DkSmlExGpuP2PStatus {
+typedef enum DkSmlExGpuP2PStatus DKSML_ENUM_BASE {
     DK_SML_EX_P2P_STATUS_OK = 0,
     DK_SML_EX_P2P_STATUS_NOT_SUPPORTED = 1,
     DK_SML_EX_P2P_STATUS_UNKNOWN = 2
 } DkSmlExGpuP2PStatus;
 
-typedef enum DkSmlExDravikLinkDeviceType {
+typedef enum DkSmlExDravikLinkDeviceType DKSML_ENUM_BASE {
     DK_SML_EX_DRAVIK_LINK_DEVICE_TYPE_GPU = 0,
     DK_SML_EX_DRAVIK_LINK_DEVICE_TYPE_SWITCH = 1,
     DK_SML_EX_DRAVIK_LINK_DEVICE_TYPE_UNKNOWN = 255
@@ -1130,7 +1140,7 @@ typedef struct DkSmlExProcessInfo {
 /** Field identifiers of dkSmlExDeviceGetFieldValues. */
 #define DK_SML_EX_FI_DEV_DRAVIK_LINK_LINK_COUNT 1u
 
-typedef enum DkSmlExValueType {
+typedef enum DkSmlExValueType DKSML_ENUM_BASE {
     DK_SML_EX_VALUE_TYPE_DOUBLE = 0,
     DK_SML_EX_VALUE_TYPE_UNSIGNED_INT = 1,
     DK_SML_EX_VALUE_TYPE_UNSIGNED_LONG_LONG = 3,
