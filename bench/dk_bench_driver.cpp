@@ -5,10 +5,11 @@
 //   BM_BareRead        open, one read into a 4 KiB buffer, close (baseline)
 //   BM_BareReadToEof   open, reads until end of file, close
 //   BM_ReadFileText    the library's whole-file reader
-//   BM_FetchAndParse   DkLinuxDriverDataHandler::FetchData + ParseKeyValue (map)
+//   BM_FetchData       DkLinuxDriverDataHandler::FetchData alone
+//   BM_FetchAndParse   FetchData + ParseKeyValue (map)
 //   BM_FetchAndParseList  the same with the list form
 //   BM_ReadSysfsInt    ReadSysfs of one int with the raw extractor
-//   BM_ParseKeyValue   parsing alone, no file access
+//   BM_ParseKeyValue   parsing alone, no file access (map; List: list form)
 //
 // The files live in a fresh temporary directory (override with
 // DKSML_BENCH_DIR, e.g. a tmpfs mount).
@@ -115,6 +116,17 @@ void BM_ReadFileText(benchmark::State& state) {
 }
 BENCHMARK(BM_ReadFileText);
 
+void BM_FetchData(benchmark::State& state) {
+    DkLinuxDriverDataHandler& handler = F().handler;
+    for (auto _ : state) {
+        std::string text;
+        const DkSmlReturn ret = handler.FetchData(0, DRAVIK_SMI_SHOWCLOCKS, text);
+        if (ret != DK_SML_SUCCESS) state.SkipWithError("unexpected fetch");
+        benchmark::DoNotOptimize(text.data());
+    }
+}
+BENCHMARK(BM_FetchData);
+
 void BM_FetchAndParse(benchmark::State& state) {
     DkLinuxDriverDataHandler& handler = F().handler;
     for (auto _ : state) {
@@ -162,6 +174,17 @@ void BM_ParseKeyValue(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_ParseKeyValue);
+
+void BM_ParseKeyValueList(benchmark::State& state) {
+    const std::string text = c_showclocks;
+    for (auto _ : state) {
+        DkKeyValueList values;
+        const DkSmlReturn ret = ParseKeyValue(text, values);
+        benchmark::DoNotOptimize(ret);
+        benchmark::DoNotOptimize(values);
+    }
+}
+BENCHMARK(BM_ParseKeyValueList);
 
 }  // namespace
 

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <charconv>
+#include <cstring>
 
 #include "core/dk_host_root.h"
 #include "core/idk_device.h"
@@ -48,6 +49,18 @@ std::string DkLinuxDriverDataHandler::GetDriverInterfaceFile(unsigned int dieId,
 }
 
 DkSmlReturn DkLinuxDriverDataHandler::FetchData(unsigned int dieId, dravik_smi_opcode op, std::string& text) {
+    // Hot path: build the path in a stack buffer when it fits (no allocation).
+    const std::string& dir = dieId == 0 ? m_smiPath0 : m_smiPath1;
+    const std::string& name = DkDriverInterfaceManager::GetDriverInterfaceRef(op);
+    char path[512];
+    if (dir.size() + name.size() < sizeof path && dir.find('\0') == std::string::npos) {
+        std::memcpy(path, dir.data(), dir.size());
+        std::memcpy(path + dir.size(), name.data(), name.size());
+        path[dir.size() + name.size()] = '\0';
+        const DkSmlReturn ret = ReadFileText(path, text);
+        if (ret == DK_SML_SUCCESS) return ret;
+        return CheckIfFileExist(path) ? DK_SML_ERROR_SYSFS : DK_SML_ERROR_NOT_SUPPORTED;
+    }
     return FetchWholeFile(GetDriverInterfaceFile(dieId, op), text);
 }
 

@@ -38,6 +38,7 @@ bool DkTextLines::Next(std::string_view& line) {
 // ---------------------------------------------------------------------------
 
 bool CheckIfFileExist(const std::string& path) { return ::access(path.c_str(), F_OK) == 0; }
+bool CheckIfFileExist(const char* path) { return path != nullptr && ::access(path, F_OK) == 0; }
 bool CheckIfFileReadable(const std::string& path) { return ::access(path.c_str(), R_OK) == 0; }
 bool CheckIfFileWritable(const std::string& path) { return ::access(path.c_str(), W_OK) == 0; }
 
@@ -55,8 +56,11 @@ std::string GetEnv(const char* name, std::string_view suffix, std::string_view f
     return result;
 }
 
-DkSmlReturn ReadFileText(const std::string& path, std::string& text) {
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+DkSmlReturn ReadFileText(const std::string& path, std::string& text) { return ReadFileText(path.c_str(), text); }
+
+DkSmlReturn ReadFileText(const char* path, std::string& text) {
+    if (path == nullptr) return DK_SML_ERROR_SYSFS;
+    const int fd = ::open(path, O_RDONLY | O_CLOEXEC);
     if (fd < 0) return DK_SML_ERROR_SYSFS;
     // sysfs reports a size of 4096 for every attribute, so st_size is useless:
     // read into a stack buffer and move to a growing heap buffer for large files.
@@ -567,6 +571,14 @@ std::string IntToHexString(int value) {
 }
 
 std::string_view TrimView(std::string_view text, std::string_view set) {
+    if (set == c_kvTrimSet) {
+        // The common set without a memchr per character.
+        std::size_t b = 0;
+        std::size_t e = text.size();
+        while (b < e && (text[b] == ' ' || text[b] == '\t')) ++b;
+        while (e > b && (text[e - 1] == ' ' || text[e - 1] == '\t')) --e;
+        return text.substr(b, e - b);
+    }
     const std::size_t first = text.find_first_not_of(set);
     if (first == std::string_view::npos) return {};
     const std::size_t last = text.find_last_not_of(set);

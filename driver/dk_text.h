@@ -49,6 +49,7 @@ private:
 // ---------------------------------------------------------------------------
 
 bool CheckIfFileExist(const std::string& path);
+bool CheckIfFileExist(const char* path);
 bool CheckIfFileReadable(const std::string& path);
 bool CheckIfFileWritable(const std::string& path);
 
@@ -58,6 +59,7 @@ std::string GetEnv(const char* name, std::string_view suffix, std::string_view f
 // Whole file into `text` with one open, reads into a buffer, one close.
 // 4 when it cannot be opened or read; `text` is changed only on success.
 DkSmlReturn ReadFileText(const std::string& path, std::string& text);
+DkSmlReturn ReadFileText(const char* path, std::string& text);
 
 // ---------------------------------------------------------------------------
 // Value extractors
@@ -167,8 +169,10 @@ void GetValueD(DkTextLines& lines, int& out);                      // whole line
 void GetValueD(DkTextLines& lines, unsigned int& out);             // whole line, base 0
 void GetValueD(DkTextLines& lines, unsigned long& out);            // whole line, base 10
 
-// After ':' up to `count` decimal (hex for GetHexArrayValue) numbers; slots
-// past the failing one keep `fill`, the failing slot gets 0.
+// After ':' up to `count` decimal (hex for GetHexArrayValue, "0x" optional)
+// numbers; slots past the failing one keep `fill`, the failing slot gets the
+// stream's failure value (0 when there was no number, the type's limit when
+// the number overflowed).
 template <typename T>
 void GetArrayValue(DkTextLines& lines, T* values, std::size_t count, T fill);
 void GetHexArrayValue(DkTextLines& lines, unsigned int* values, std::size_t count, unsigned int fill);
@@ -223,6 +227,7 @@ bool stoui_nt(std::string_view text, unsigned int& out, int base = 10);
 // ---------------------------------------------------------------------------
 
 bool IsNumber(std::string_view text);                          // non-empty, digits only
+// Throws like stoi (3 for "not support", else 4) when the text is no number.
 void GetBitState(std::string_view text, int* bits, std::size_t count);
 std::string IntToHexString(int value);                          // "0x" + lower-case hex
 template <typename T>

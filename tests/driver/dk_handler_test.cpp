@@ -160,6 +160,24 @@ TEST_F(HandlerTest, FetchLargeAttribute) {
     EXPECT_EQ(text, big);
 }
 
+TEST(Handler, LongPathsTakeTheAllocatingRoute) {
+    TempDir dir;
+    std::string deep;
+    for (int i = 0; i < 12; ++i) deep += std::string(60, static_cast<char>('a' + i)) + "/";
+    const std::string smi = dir.Mkdir(deep + "smi") + "/";
+    ASSERT_GT(smi.size(), 600u);
+    dir.Write(deep + "smi/showclocks", "GFX: 1\n");
+    DkLinuxDriverDataHandler handler;
+    FakeDevice device(smi, smi, dir / "node");
+    handler.UpdateDeviceProperties(&device);
+    std::string text;
+    ASSERT_EQ(handler.FetchData(0, DRAVIK_SMI_SHOWCLOCKS, text), DK_SML_SUCCESS);
+    EXPECT_EQ(text, "GFX: 1\n");
+    EXPECT_EQ(handler.FetchData(0, DRAVIK_SMI_SHOWTEMP, text), DK_SML_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(handler.FetchData(0, static_cast<dravik_smi_opcode>(1), text), DK_SML_ERROR_SYSFS);
+    EXPECT_EQ(text, "GFX: 1\n");
+}
+
 // --- set ------------------------------------------------------------------------
 
 TEST_F(HandlerTest, SetWritesTextAndNewline) {
