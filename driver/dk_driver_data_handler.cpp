@@ -1,4 +1,4 @@
-// The Linux driver data handler (Part 3.1).
+// The Linux driver data handler: request number and die -> attribute file.
 #include "driver/dk_driver_data_handler.h"
 
 #include <unistd.h>

@@ -1,4 +1,4 @@
-// The request table (Part 3.1): driver request number -> attribute file name.
+// The request table: driver request number -> attribute file name.
 //
 // One constant list feeds both the ordered map of the contract
 // (m_driverInterfaceMap) and a flat array indexed by opcode that the hot path

@@ -1,4 +1,4 @@
-// Text access and parsing helpers (Part 3.2).
+// Text access and parsing helpers.
 #include "driver/dk_text.h"
 
 #include <fcntl.h>

@@ -285,13 +285,13 @@ std::vector<LinkSpec> ParseLinks(const json& links, const HostSpec& host) {
     std::vector<LinkSpec> result;
     for (const json& link : links) {
         CheckKeys(link, {"from", "to", "type", "distance"}, "links");
-        LinkSpec spec{BusIdOf(link.at("from"), "links.from"), link.at("to").get<std::string>(),
+        LinkSpec parsed{BusIdOf(link.at("from"), "links.from"), link.at("to").get<std::string>(),
                       link.at("type").get<uint32_t>(), link.value("distance", 0u)};
-        const std::string where = "link " + spec.from + " -> " + spec.to;
-        const DeviceSpec* from = host.FindDevice(spec.from);
+        const std::string where = "link " + parsed.from + " -> " + parsed.to;
+        const DeviceSpec* from = host.FindDevice(parsed.from);
         if (from == nullptr || !from->IsGpu()) Fail(where, "from is not a GPU function of this profile");
-        if (spec.to.rfind("cpu:", 0) == 0) {
-            const std::string number = spec.to.substr(4);
+        if (parsed.to.rfind("cpu:", 0) == 0) {
+            const std::string number = parsed.to.substr(4);
             if (number.empty() || number.find_first_not_of("0123456789") != std::string::npos) {
                 Fail(where, "a CPU node is written cpu:N");
             }
@@ -300,10 +300,10 @@ std::vector<LinkSpec> ParseLinks(const json& links, const HostSpec& host) {
                                            [&](const CpuNodeSpec& n) { return n.nodeId == cpu; });
             if (!known) Fail(where, "no CPU node " + std::to_string(cpu));
         } else {
-            const DeviceSpec* to = host.FindDevice(BusIdOf(spec.to, where));
+            const DeviceSpec* to = host.FindDevice(BusIdOf(parsed.to, where));
             if (to == nullptr || !to->IsGpu()) Fail(where, "to is not a GPU function of this profile");
         }
-        result.push_back(spec);
+        result.push_back(parsed);
     }
     return result;
 }

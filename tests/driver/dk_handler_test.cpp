@@ -50,8 +50,7 @@ TEST(RequestTable, NamedAndReservedEntries) {
         (name.empty() ? reserved : named)++;
         EXPECT_EQ(DkDriverInterfaceManager::GetDriverInterface(op), name);
     }
-    // Part 3.1 lists 94 named requests and 70 reserved numbers (its heading
-    // speaks of 166 pairs; the listed opcodes are 164 distinct numbers).
+    // The driver names 94 requests and reserves 70 further numbers.
     EXPECT_EQ(named, 94u);
     EXPECT_EQ(reserved, 70u);
     EXPECT_EQ(map.size(), 164u);
