@@ -23,7 +23,7 @@
 #include <fstream>
 #include <string>
 
-#include "dk_fake_device.h"
+#include "support/dk_fake_device.h"
 #include "driver/dk_driver_data_handler.h"
 #include "driver/dk_text.h"
 

@@ -12,7 +12,7 @@
 #include "driver/dk_driver_interface_manager.h"
 #include "driver/dk_text.h"
 #include "dk_driver_test_util.h"
-#include "dk_fake_device.h"
+#include "support/dk_fake_device.h"
 
 namespace dksml {
 namespace {
@@ -31,8 +31,8 @@ protected:
         m_node = m_dir.Mkdir("nodes/3");
         FakeDevice device(m_smi0, m_smi1, m_node);
         m_handler.UpdateDeviceProperties(&device);
-        EXPECT_EQ(device.m_smiQueries, (std::vector<unsigned int>{0, 1}));
-        EXPECT_EQ(device.m_nodeQueries, 1);
+        EXPECT_EQ(device.smiQueries, (std::vector<unsigned int>{0, 1}));
+        EXPECT_EQ(device.nodeQueries, 1);
     }
 
     TempDir m_dir;

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "features/clock/dk_clock.h"
-#include "telemetry/fake_device.h"
+#include "support/dk_fake_device.h"
 #include "telemetry/param_name.h"
 
 namespace dksml::test {

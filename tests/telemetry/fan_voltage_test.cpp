@@ -6,7 +6,7 @@
 
 #include "features/fan/dk_fan.h"
 #include "features/voltage/dk_voltage.h"
-#include "telemetry/fake_device.h"
+#include "support/dk_fake_device.h"
 #include "telemetry/param_name.h"
 
 namespace dksml::test {

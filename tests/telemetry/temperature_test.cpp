@@ -6,7 +6,7 @@
 #include <string>
 
 #include "features/temperature/dk_temperature.h"
-#include "telemetry/fake_device.h"
+#include "support/dk_fake_device.h"
 #include "telemetry/param_name.h"
 
 namespace dksml::test {

@@ -1,5 +1,6 @@
-// A device that serves canned attribute text per (die, request) and records
-// every write, for testing feature services without a driver tree.
+// A device that serves canned attribute text per (die, request), records
+// every write and every path query, for testing the driver layer and the
+// feature services without a driver tree.
 #pragma once
 
 #include <map>
@@ -21,6 +22,10 @@ struct DriverWrite {
 
 class FakeDevice : public IDkDevice {
 public:
+    FakeDevice() = default;
+    FakeDevice(std::string smi0, std::string smi1, std::string node)
+        : smiPath(std::move(smi0)), smiPath1(std::move(smi1)), nodePath(std::move(node)) {}
+
     // Attribute text of one die; a request with no text answers 3, as an
     // absent attribute does.
     void Serve(unsigned int die, dravik_smi_opcode op, std::string text) { m_texts[{die, op}] = std::move(text); }
@@ -31,10 +36,14 @@ public:
     bool isVf = false;
     uint32_t dieCount = 1;
     std::string smiPath = "/nonexistent/smi/";
+    std::string smiPath1;  // die 1 and above; empty means the die-0 path
+    std::string nodePath;
     DkSmlReturn writeResult = DK_SML_SUCCESS;
 
     std::vector<DriverWrite> writes;
     int fetchCount = 0;
+    mutable std::vector<unsigned int> smiQueries;
+    mutable int nodeQueries = 0;
 
     DkSmlReturn FetchDriverData(unsigned int dieId, dravik_smi_opcode op, std::string& text) override {
         ++fetchCount;
@@ -49,14 +58,21 @@ public:
         return writeResult;
     }
 
-    std::string GetSmiPath(unsigned int) const override { return smiPath; }
+    std::string GetSmiPath(unsigned int dieId) const override {
+        smiQueries.push_back(dieId);
+        return dieId == 0 || smiPath1.empty() ? smiPath : smiPath1;
+    }
+    std::string GetNodePath() const override {
+        ++nodeQueries;
+        return nodePath;
+    }
     uint32_t GetVendorId() const override { return vendorId; }
     bool IsVf() const override { return isVf; }
     bool IsPf() const override { return !isVf; }
     DkSmlDeviceBrand GetDeviceBrand() const override { return brand; }
     uint32_t GetDieCount() const override { return dieCount; }
 
-    // Everything below is identity the telemetry services never ask for.
+    // Everything below is identity these tests never ask for.
     std::string GetDeviceDir() const override { return {}; }
     uint32_t GetDriverGpuId(unsigned int) const override { return 0; }
     uint32_t GetBdfIdUint() const override { return 0; }
@@ -64,7 +80,6 @@ public:
     DkSmlReturn GetDeviceInfo(DkSmlDeviceInfo*) const override { return DK_SML_ERROR_NOT_SUPPORTED; }
     uint32_t GetNumOfVirtualizedDevice() const override { return 0; }
     uint32_t GetVfIndex() const override { return 0; }
-    std::string GetNodePath() const override { return {}; }
     std::vector<uint32_t> GetDpcIds() const override { return {}; }
     IDkDevice* GetPfAncestor() const override { return nullptr; }
     bool IsDkqHarvest() const override { return false; }
