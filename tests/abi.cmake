@@ -18,3 +18,19 @@ add_test(NAME dksml_abi_exports
     -DHEADER=${PROJECT_SOURCE_DIR}/include/dksml.h
     -DEXPECTED_COUNT=182
     -P ${CMAKE_CURRENT_SOURCE_DIR}/abi/check_exports.cmake)
+
+# The same C client on the shipped virtual hosts: the inventory a monitoring
+# program would take (counts, indices, names, bus ids, UUIDs, dies, virtual
+# functions, the limited device and its reason).
+add_executable(dksml_abi_inventory ${CMAKE_CURRENT_SOURCE_DIR}/abi/abi_inventory.c)
+set_target_properties(dksml_abi_inventory PROPERTIES C_STANDARD 99 C_STANDARD_REQUIRED ON C_EXTENSIONS OFF)
+target_compile_options(dksml_abi_inventory PRIVATE -std=c99 -Wall -Wextra -Werror -pedantic)
+target_link_libraries(dksml_abi_inventory PRIVATE dksml)
+foreach(profile server guest)
+  set(root ${CMAKE_CURRENT_BINARY_DIR}/abi_host_${profile})
+  add_test(NAME dksml_abi_write_${profile} COMMAND dkvhost_cli write ${profile} ${root})
+  set_tests_properties(dksml_abi_write_${profile} PROPERTIES FIXTURES_SETUP abi_host_${profile})
+  add_test(NAME dksml_abi_inventory_${profile} COMMAND dksml_abi_inventory ${profile})
+  set_tests_properties(dksml_abi_inventory_${profile} PROPERTIES
+    ENVIRONMENT "DK_SMI_FSROOT=${root}" FIXTURES_REQUIRED abi_host_${profile})
+endforeach()
