@@ -6,8 +6,8 @@
 //   BM_BareReadToEof   open, reads until end of file, close
 //   BM_ReadFileText    the library's whole-file reader
 //   BM_FetchData       DkLinuxDriverDataHandler::FetchData alone
-//   BM_FetchAndParse   FetchData + ParseKeyValue (map)
-//   BM_FetchAndParseList  the same with the list form
+//   BM_FetchAndParse<DkKeyValueMap>   FetchData + ParseKeyValue (map)
+//   BM_FetchAndParse<DkKeyValueList>  the same with the list form
 //   BM_ReadSysfsInt    ReadSysfs of one int with the raw extractor
 //   BM_ParseKeyValue   parsing alone, no file access (map; List: list form)
 //
@@ -127,31 +127,22 @@ void BM_FetchData(benchmark::State& state) {
 }
 BENCHMARK(BM_FetchData);
 
+// Fetch plus parse into the two forms the services use: the label map
+// (clocks) and the key list in file order (temperatures, usage).
+template <typename Values>
 void BM_FetchAndParse(benchmark::State& state) {
     DkLinuxDriverDataHandler& handler = F().handler;
     for (auto _ : state) {
         std::string text;
-        DkKeyValueMap values;
+        Values values;
         DkSmlReturn ret = handler.FetchData(0, DRAVIK_SMI_SHOWCLOCKS, text);
         if (ret == DK_SML_SUCCESS) ret = ParseKeyValue(text, values);
         if (ret != DK_SML_SUCCESS || values.size() != 9) state.SkipWithError("unexpected parse");
         benchmark::DoNotOptimize(values);
     }
 }
-BENCHMARK(BM_FetchAndParse);
-
-void BM_FetchAndParseList(benchmark::State& state) {
-    DkLinuxDriverDataHandler& handler = F().handler;
-    for (auto _ : state) {
-        std::string text;
-        DkKeyValueList values;
-        DkSmlReturn ret = handler.FetchData(0, DRAVIK_SMI_SHOWCLOCKS, text);
-        if (ret == DK_SML_SUCCESS) ret = ParseKeyValue(text, values);
-        if (ret != DK_SML_SUCCESS || values.size() != 9) state.SkipWithError("unexpected parse");
-        benchmark::DoNotOptimize(values);
-    }
-}
-BENCHMARK(BM_FetchAndParseList);
+BENCHMARK_TEMPLATE(BM_FetchAndParse, DkKeyValueMap);
+BENCHMARK_TEMPLATE(BM_FetchAndParse, DkKeyValueList);
 
 void BM_ReadSysfsInt(benchmark::State& state) {
     const std::string& path = F().intFile;

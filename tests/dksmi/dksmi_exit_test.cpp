@@ -11,19 +11,14 @@ namespace {
 
 using nlohmann::json;
 using dksml::vhost::ScopedHost;
-using namespace std::string_view_literals;  // a plain literal would also match the JSON profile constructor
+using namespace std::string_view_literals;
 
 constexpr int kUsage = 2;
 constexpr int kDriverNotLoaded = 3;
 constexpr int kNoGpu = 4;
 constexpr int kNoSuchDevice = 5;
 
-class DksmiExit : public ::testing::Test {
-protected:
-    void SetUp() override {
-        if (!std::filesystem::exists(DksmiBinary())) GTEST_SKIP() << "dksmi is not built (tools disabled)";
-    }
-};
+using DksmiExit = DksmiTest;
 
 TEST_F(DksmiExit, NoDriverSaysSoAndListsTheGpus) {
     ScopedHost host("no-driver"sv);

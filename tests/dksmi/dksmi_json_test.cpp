@@ -16,14 +16,10 @@ namespace {
 
 using nlohmann::json;
 using dksml::vhost::ScopedHost;
-using namespace std::string_view_literals;  // a plain literal would also match the JSON profile constructor
+using namespace std::string_view_literals;
 
-class DksmiJson : public ::testing::Test {
+class DksmiJson : public DksmiTest {
 protected:
-    void SetUp() override {
-        if (!std::filesystem::exists(DksmiBinary())) GTEST_SKIP() << "dksmi is not built (tools disabled)";
-    }
-
     static json RunJson(const std::string& arguments, int expectedExit = 0) {
         const RunResult run = RunDksmi("--json " + arguments);
         EXPECT_EQ(run.exitCode, expectedExit) << run.err;

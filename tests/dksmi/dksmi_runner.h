@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "vhost/dk_virtual_host.h"
 
 namespace dksmi::test {
@@ -20,6 +22,15 @@ struct RunResult {
 
 std::filesystem::path DksmiBinary();
 RunResult RunDksmi(const std::string& arguments);
+
+// Fixture base: the tests need the dksmi binary, which is absent when the
+// tools are not built.
+class DksmiTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!std::filesystem::exists(DksmiBinary())) GTEST_SKIP() << "dksmi is not built (tools disabled)";
+    }
+};
 
 // What the host tree says about one PCI function.
 struct TreeFunction {

@@ -16,14 +16,9 @@ namespace {
 
 using nlohmann::json;
 using dksml::vhost::ScopedHost;
-using namespace std::string_view_literals;  // a plain literal would also match the JSON profile constructor
+using namespace std::string_view_literals;
 
-class DksmiText : public ::testing::Test {
-protected:
-    void SetUp() override {
-        if (!std::filesystem::exists(DksmiBinary())) GTEST_SKIP() << "dksmi is not built (tools disabled)";
-    }
-};
+using DksmiText = DksmiTest;
 
 TEST_F(DksmiText, SummaryListsEveryDeviceAndLimitedDevice) {
     ScopedHost host("server"sv);
