@@ -17,7 +17,6 @@
 namespace dksml {
 namespace {
 
-constexpr const char* c_chipNameOverridePath = "/opt/smi/etc/chipname";
 constexpr const char* c_cardNameFile = "showcardname";
 constexpr const char* c_topologyFile = "showtopology";
 constexpr std::string_view c_dieIdKey = "die_id";
@@ -284,7 +283,7 @@ void DkDevice::SetDeviceBrand() {
 // there. An empty first line counts as no name.
 void DkDevice::SetDeviceName() {
     if (!c_vendorFlag) {
-        m_name = ReadFirstLine(m_root->Path(c_chipNameOverridePath));
+        m_name = m_root->SiteChipName();
         if (!m_name.empty()) return;
     }
     m_name = ReadFirstLine(GetSmiPath(0) + c_cardNameFile);

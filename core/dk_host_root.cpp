@@ -1,5 +1,7 @@
 #include "core/dk_host_root.h"
 
+#include "core/dk_file_text.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,6 +16,7 @@ namespace dksml {
 namespace {
 
 constexpr const char* c_rootEnvName = "DK_SMI_FSROOT";
+constexpr const char* c_chipNameOverridePath = "/opt/smi/etc/chipname";
 constexpr int c_dirOpenFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
 constexpr int c_maxLinkHops = 40;  // the kernel's own limit (ELOOP)
 
@@ -144,6 +147,11 @@ std::size_t DkHostRoot::ResolveLink(std::string_view hostPath, char* out, std::s
     if (len == 0) out[len++] = '/';
     out[len] = '\0';
     return len;
+}
+
+const std::string& DkHostRoot::SiteChipName() const {
+    std::call_once(m_chipNameOnce, [this] { m_chipName = ReadFirstLine(Path(c_chipNameOverridePath)); });
+    return m_chipName;
 }
 
 void LoadHostRoot() {

@@ -13,6 +13,7 @@
 
 #include <cerrno>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -70,10 +71,17 @@ public:
     // nor an existing entry, or the result does not fit.
     std::size_t ResolveLink(std::string_view hostPath, char* out, std::size_t outSize) const;
 
+    // First line of the site's chip-name override ("/opt/smi/etc/chipname"),
+    // read on first use and kept with the root, so one discovery reads it
+    // once however many devices it names. Empty when absent.
+    const std::string& SiteChipName() const;
+
 private:
     DkHostRoot(DkDirFd dir, std::string text) : m_dir(std::move(dir)), m_text(std::move(text)) {}
     DkDirFd m_dir;
     std::string m_text;
+    mutable std::once_flag m_chipNameOnce;
+    mutable std::string m_chipName;
 };
 
 // Descriptors a device reads through: its root and its own directories.
