@@ -62,7 +62,11 @@ bool DkSystemManager::GetDkDeviceInfo(const std::string& deviceDir, DkSysInfo& i
     }
     info.subsystemVendorId = ReadIdFile(dir + "/subsystem_vendor");
     info.subsystemDeviceId = ReadIdFile(dir + "/subsystem_device");
-    info.isVf = RealHostPath(deviceDir + "/driver").find(c_vfDriverName) != std::string::npos;
+    // The "driver" link names the bound driver in its last component: one
+    // readlinkat, no walk of the whole path.
+    char driver[4096];
+    const std::size_t length = CurrentHostRoot()->ResolveLink(deviceDir + "/driver", driver, sizeof driver);
+    info.isVf = std::string_view(driver, length).find(c_vfDriverName) != std::string_view::npos;
     return true;
 }
 

@@ -213,14 +213,16 @@ std::string RealHostPath(std::string_view hostPath) {
         std::string rel;
         for (const std::string& d : done) rel.append(d).append("/");
         rel.append(part);
-        if (ReadLinkAt(root->Fd(), rel.c_str(), target)) {
-            if (++hops > c_maxLinkHops) return {};
+        // fstatat first: most components are no links, and a readlinkat on
+        // them would be a failing call per component.
+        struct stat st {};
+        if (::fstatat(root->Fd(), rel.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) return {};
+        if (S_ISLNK(st.st_mode)) {
+            if (!ReadLinkAt(root->Fd(), rel.c_str(), target) || ++hops > c_maxLinkHops) return {};
             if (!target.empty() && target.front() == '/') done.clear();
             push(target);
             continue;
         }
-        struct stat st {};
-        if (::fstatat(root->Fd(), rel.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) return {};
         done.push_back(std::move(part));
     }
     std::string out;
