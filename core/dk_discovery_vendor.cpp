@@ -49,7 +49,8 @@ bool DkSystemManager::GetDkDeviceInfo(const std::string& deviceDir, DkSysInfo& i
     info.deviceId = ReadIdFile(dir + "/device");
     info.subsystemVendorId = ReadIdFile(dir + "/subsystem_vendor");
     info.subsystemDeviceId = ReadIdFile(dir + "/subsystem_device");
-    bool accepted = m_state->acceptedVendorIds.count(info.vendorId) != 0 ||
+    // Also asked for limited devices by readers: the held state, not the pass's.
+    bool accepted = ReadState().acceptedVendorIds.count(info.vendorId) != 0 ||
                     (c_vendorFlag && info.vendorId == c_oemVendorId && info.deviceId == c_oemDeviceId);
     if (!accepted || info.deviceId == 0) {
         info.deviceId = c_noDevice;

@@ -3,6 +3,7 @@
 #include <climits>
 #include <cstdlib>
 #include <sys/stat.h>
+#include <utility>
 
 namespace dksml {
 namespace {
@@ -25,7 +26,12 @@ std::string NormaliseRoot(const char* value) {
 
 }  // namespace
 
-void LoadHostRoot() { RootStorage() = NormaliseRoot(secure_getenv("DK_SMI_FSROOT")); }
+// Rewritten only when it changed: a rediscovery under the same root then
+// leaves the string that readers of the previous pass use untouched.
+void LoadHostRoot() {
+    std::string root = NormaliseRoot(secure_getenv("DK_SMI_FSROOT"));
+    if (root != RootStorage()) RootStorage() = std::move(root);
+}
 
 const std::string& HostRoot() { return RootStorage(); }
 
