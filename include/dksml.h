@@ -17,6 +17,18 @@
  *   - caller-sized arrays take a count in/out: capacity on entry, the needed
  *     number on return, and 10 when the capacity is too small.
  *
+ * Threads: every function may be called from any number of threads at once,
+ * including dkSmlInit and dkSmlInitWithFlags. A forced discovery
+ * (dkSmlInitWithFlags with a non-zero flag word) replaces the whole device
+ * state in one step; a call running meanwhile answers entirely from the
+ * state it started with. After a forced discovery, compatibility handles
+ * obtained before it answer DK_SML_EX_ERROR_INVALID_ARGUMENT: ask for them
+ * again (dkSmlExGetDeviceHandleByIndex and friends). Device indices are
+ * assigned afresh by each discovery, so a caller that keeps them across one
+ * should look devices up again by PCI bus id or UUID. dkSmlInit without a
+ * flag word does not rediscover once a discovery has succeeded, and keeps
+ * every handle valid.
+ *
  * The header is C99 and C++ compatible and uses fixed-width types only.
  */
 #ifndef DKSML_H
@@ -122,7 +134,8 @@ typedef enum DkSmlExReturn DKSML_ENUM_BASE {
 #define DK_SML_FIRST_VF_INDEX 100u      /* virtual functions are numbered from here */
 #define DK_SML_DIE_ALL 0xFFFFFFFFu      /* "every die" where a die id is taken */
 
-/** Opaque handle of the compatibility family: one die of a physical device. */
+/** Opaque handle of the compatibility family: one die of a physical device.
+ *  Valid until the next forced discovery; never dereference it. */
 typedef struct DkSmlExDeviceRecord *DkSmlExDevice;
 
 /* ------------------------------------------------------------------------ */
