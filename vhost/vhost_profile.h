@@ -17,6 +17,16 @@ using TextOverrides = std::map<std::string, std::optional<std::string>>;
 
 enum class FunctionKind { Physical, Virtual, Other };
 
+// One PCI Express link as the function's link registers and sysfs
+// max_link_*/current_link_* files report it: generation 1 (2.5 GT/s) to 6
+// (64 GT/s) and lanes.
+struct PcieLinkSpec {
+    unsigned maxGeneration = 0;
+    unsigned maxWidth = 0;
+    unsigned generation = 0;
+    unsigned width = 0;
+};
+
 struct DieSpec {
     TextOverrides attributes;
 };
@@ -50,6 +60,8 @@ struct DeviceSpec {
     std::string sensorBoard = "emc";   // "emc" or "tmp435"
     bool xpuClock = false;             // reports the six-value xpu clock line
     unsigned seed = 0;                 // varies the generated readings per device
+    PcieLinkSpec link;                 // the function's upstream link
+    uint32_t revision = 0;
 
     bool IsGpu() const { return kind != FunctionKind::Other; }
 };
@@ -57,6 +69,7 @@ struct DeviceSpec {
 struct CpuNodeSpec {
     uint32_t nodeId = 0;
     std::string cpuList;
+    unsigned threadsPerCore = 1;       // the k-th and (k + n/threads)-th CPU of the node share a core
 };
 
 struct LinkSpec {
@@ -85,6 +98,7 @@ struct HostSpec {
     std::vector<LinkSpec> links;
     std::vector<ProcessSpec> processes;
     TextOverrides files;               // absolute host paths
+    std::map<std::string, PcieLinkSpec> bridgeLinks;  // bridge bus id -> its link, when not the default
 
     const DeviceSpec* FindDevice(const std::string& busId) const;
 };

@@ -11,7 +11,8 @@ namespace dksml::vhost {
 // The real directory of a PCI function under /sys/devices (host path).
 std::string PciDevicePath(const DeviceSpec& device);
 
-// /sys/devices, /sys/bus/pci (links, drivers) and the per-die attribute directories.
+// /sys/devices, /sys/bus/pci (links, drivers, bridges, config spaces) and the
+// per-die attribute directories.
 void WritePciTree(const std::filesystem::path& root, const HostSpec& host);
 
 // /sys/class/dravik/dkcd/layout/nodes with the link records.

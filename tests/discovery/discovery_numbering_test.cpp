@@ -210,7 +210,7 @@ TEST(EmptyDiscovery, FindsNothingAndStaysUninitialised) {
 
 TEST(VendorOverride, AcceptsOnlyTheConfiguredVendor) {
     vhost::ScopedHost host("server"sv);
-    host.WriteFile("/opt/smi/etc/vendorid", "0x1e3b\n");  // the partner board only
+    host.WriteFile("/opt/smi/etc/vendorid", "0x1e28\n");  // the partner board only
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
     EXPECT_EQ(dkSmlGetDeviceCount(), 1u);
     EXPECT_STREQ(InfoOf(0).bdfId, "0000:1c:00.0");
