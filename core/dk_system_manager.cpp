@@ -8,6 +8,8 @@
 #include "core/dk_host_root.h"
 #include "core/dk_system_manager_state.h"
 #include "driver/dk_text.h"
+#include "features/process/dk_process_threshold.h"
+#include "features/process/idk_process_management.h"
 
 namespace dksml {
 
@@ -63,10 +65,11 @@ DkSmlReturn DkSystemManager::InitializeForLinux(const std::string& searchPath,
 
     GetRenderIdAndCardId();
     m_state->sysUtils = sysUtils ? std::move(sysUtils) : std::make_unique<DkSysUtils>();
-    // The topology and process-accounting objects are created by their own
-    // services; until then they stay empty and their callers answer 6.
+    // The topology object is created by its own service; until then it stays
+    // empty and its callers answer 6.
     m_state->topology.reset();
-    m_state->processManagement.reset();
+    m_state->processManagement = DkProcessManagementFactory::CreateProcessManagement(
+        GetProcessMemoryThreshold(m_state->devices.begin()->second->GetDeviceBrand()));
     m_state->initialized = true;
     return DK_SML_SUCCESS;
 }

@@ -25,7 +25,7 @@ const std::set<std::string> c_deviceKeys{
     "bus_id", "function", "model", "vendor", "device_id", "subsystem_vendor", "subsystem_device",
     "class", "driver", "parent", "bridges", "numa_node", "local_cpulist", "dies", "attributes",
     "files", "layout_node", "node_id", "gpu_id", "unique_id", "card", "topology", "sensor_board",
-    "xpu_clock", "comment"};
+    "xpu_clock", "comment", "sgpu"};
 
 void CheckKeys(const json& object, const std::set<std::string>& allowed, const std::string& where) {
     if (!object.is_object()) Fail(where, "must be an object");
@@ -206,6 +206,7 @@ DeviceSpec ParseDevice(const json& entry, const HostSpec& host) {
         Fail(where, "sensor_board must be \"emc\" or \"tmp435\"");
     }
     device.xpuClock = entry.value("xpu_clock", false);
+    if (entry.contains("sgpu")) device.sgpu = ParseSgpu(entry["sgpu"], where + ".sgpu");
     return device;
 }
 
@@ -311,7 +312,8 @@ std::vector<LinkSpec> ParseLinks(const json& links, const HostSpec& host) {
 std::vector<ProcessSpec> ParseProcesses(const json& processes) {
     std::vector<ProcessSpec> result;
     for (const json& entry : processes) {
-        CheckKeys(entry, {"pid", "nspid", "name", "vram", "ringbuf", "holds_device_node"}, "processes");
+        CheckKeys(entry, {"pid", "nspid", "name", "vram", "ringbuf", "holds_device_node", "driver_dir", "domains"},
+                  "processes");
         ProcessSpec process;
         process.pid = entry.at("pid").get<uint32_t>();
         process.nspid = entry.value("nspid", process.pid);
@@ -322,6 +324,9 @@ std::vector<ProcessSpec> ParseProcesses(const json& processes) {
         }
         process.ringbufGpuIds = entry.value("ringbuf", std::vector<uint32_t>{});
         process.holdsDeviceNode = entry.value("holds_device_node", true);
+        process.driverDir = entry.value("driver_dir", true);
+        process.domains = entry.value("domains", 1u);
+        if (process.domains < 1 || process.domains > 0xffff) Fail("processes", "domains must be 1 to 65535");
         result.push_back(process);
     }
     return result;
