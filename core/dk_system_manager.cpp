@@ -9,6 +9,8 @@
 #include "core/dk_host_root.h"
 #include "core/dk_system_manager_state.h"
 #include "driver/dk_text.h"
+#include "features/process/dk_process_threshold.h"
+#include "features/process/idk_process_management.h"
 
 namespace dksml {
 
@@ -127,8 +129,11 @@ DkSmlReturn DkSystemManager::InitializeForLinux(const std::string& searchPath,
     GetRenderIdAndCardId();
     ConstructBoardIdMap();
     m_state->sysUtils = sysUtils ? std::move(sysUtils) : std::make_unique<DkSysUtils>();
-    // The topology and process-accounting objects are built here, from this
-    // pass's tables, once their builders exist; until then they stay empty.
+    // The topology object is built here once its builder exists; the
+    // process-accounting object is built from this pass's devices, before
+    // the state is published.
+    m_state->processManagement = DkProcessManagementFactory::CreateProcessManagement(
+        GetProcessMemoryThreshold(m_state->devices.begin()->second->GetDeviceBrand()));
     m_state->initialized = true;
     return DK_SML_SUCCESS;
 }

@@ -1144,7 +1144,10 @@ typedef struct DkSmlExMemory {
     uint64_t used;
 } DkSmlExMemory;
 
-/** A process running on a die. */
+/** A process running on a die: its pid (as the driver's client directory
+ *  names it) and the sum of its memory on that die over all memory domains and
+ *  slices, in the driver's unit (bytes). Idle clients (memory at or below the
+ *  board's threshold without a compute ring on the die) are not reported. */
 typedef struct DkSmlExProcessInfo {
     uint32_t pid;
     uint64_t usedGpuMemory;
@@ -1295,7 +1298,8 @@ DKSML_API DkSmlExReturn dkSmlExDeviceGetFieldValues(DkSmlExDevice device, uint32
 DKSML_API DkSmlExReturn dkSmlExDeviceGetFanSpeed(DkSmlExDevice device, uint32_t *speed);
 /** Fan duty of one fan (only fan 0) in percent. */
 DKSML_API DkSmlExReturn dkSmlExDeviceGetFanSpeed_v2(DkSmlExDevice device, uint32_t fan, uint32_t *speed);
-/** Processes on the die; count in/out. */
+/** Processes on the die; count in: capacity, out: number found (7 when the
+ *  capacity is smaller; 2 for a bad handle or null count; 999 when the scan fails). */
 DKSML_API DkSmlExReturn dkSmlExDeviceGetComputeRunningProcesses(DkSmlExDevice device, uint32_t *infoCount,
                                                                 DkSmlExProcessInfo *infos);
 /** Kernel driver version text. */

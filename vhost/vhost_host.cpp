@@ -42,6 +42,7 @@ void WriteHost(const nlohmann::json& profile, const fs::path& root) {
     WritePciTree(root, host);
     WriteCpuTopology(root, host);
     WriteLayout(root, host);
+    WriteSliceGpus(root, host);
     WriteSystemFiles(root, host);
 }
 

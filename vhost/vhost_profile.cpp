@@ -28,7 +28,7 @@ const std::set<std::string> c_deviceKeys{
     "bus_id", "function", "model", "vendor", "device_id", "subsystem_vendor", "subsystem_device",
     "class", "driver", "parent", "bridges", "numa_node", "local_cpulist", "dies", "attributes",
     "files", "layout_node", "node_id", "gpu_id", "unique_id", "card", "topology", "sensor_board",
-    "xpu_clock", "comment", "pcie", "revision"};
+    "xpu_clock", "comment", "pcie", "revision", "sgpu"};
 
 void CheckKeys(const json& object, const std::set<std::string>& allowed, const std::string& where) {
     if (!object.is_object()) Fail(where, "must be an object");
@@ -212,6 +212,7 @@ DeviceSpec ParseDevice(const json& entry, const HostSpec& host) {
     device.link = DefaultFunctionLink(device.brand);
     if (entry.contains("pcie")) device.link = ParsePcieLink(entry["pcie"], device.link, where + ".pcie");
     if (entry.contains("revision")) device.revision = HexOf(entry["revision"], where + ".revision") & 0xffu;
+    if (entry.contains("sgpu")) device.sgpu = ParseSgpu(entry["sgpu"], where + ".sgpu");
     return device;
 }
 
@@ -325,7 +326,8 @@ std::vector<LinkSpec> ParseLinks(const json& links, const HostSpec& host) {
 std::vector<ProcessSpec> ParseProcesses(const json& processes) {
     std::vector<ProcessSpec> result;
     for (const json& entry : processes) {
-        CheckKeys(entry, {"pid", "nspid", "name", "vram", "ringbuf", "holds_device_node"}, "processes");
+        CheckKeys(entry, {"pid", "nspid", "name", "vram", "ringbuf", "holds_device_node", "driver_dir", "domains"},
+                  "processes");
         ProcessSpec process;
         process.pid = entry.at("pid").get<uint32_t>();
         process.nspid = entry.value("nspid", process.pid);
@@ -336,6 +338,9 @@ std::vector<ProcessSpec> ParseProcesses(const json& processes) {
         }
         process.ringbufGpuIds = entry.value("ringbuf", std::vector<uint32_t>{});
         process.holdsDeviceNode = entry.value("holds_device_node", true);
+        process.driverDir = entry.value("driver_dir", true);
+        process.domains = entry.value("domains", 1u);
+        if (process.domains < 1 || process.domains > 0xffff) Fail("processes", "domains must be 1 to 65535");
         result.push_back(process);
     }
     return result;

@@ -31,6 +31,33 @@ struct DieSpec {
     TextOverrides attributes;
 };
 
+// One slice of a device in slice mode (its "sgpu<id>" directory and layout node).
+struct SliceSpec {
+    uint32_t id = 0;
+    uint32_t gpuId = 0;
+    uint32_t nodeId = 0;               // 0: derived from the parent's node id
+    uint32_t vramQuota = 0;
+    uint32_t computeQuota = 0;
+    uint32_t priority = 0;
+    uint32_t online = 1;
+    uint32_t minor = 0;
+    uint32_t utilization = 0;
+    uint32_t active = 1;
+    uint64_t memory[3] = {};           // "meminfo": total, used, free
+    std::string alias;
+    std::string annotations;           // whole file, lines of key=value;...
+    std::string uniqueId;
+    std::vector<uint32_t> overrun;     // one value per scheduling period
+};
+
+// A device in slice mode ("model" reads "sgpu").
+struct SgpuSpec {
+    uint32_t totalVramQuota = 0;
+    uint32_t timeslice = 0;
+    uint32_t schedClass = 0;
+    std::vector<SliceSpec> slices;
+};
+
 struct DeviceSpec {
     std::string busId;                 // "0000:3b:00.0"
     FunctionKind kind = FunctionKind::Physical;
@@ -62,6 +89,7 @@ struct DeviceSpec {
     unsigned seed = 0;                 // varies the generated readings per device
     PcieLinkSpec link;                 // the function's upstream link
     uint32_t revision = 0;
+    std::optional<SgpuSpec> sgpu;      // slice mode (physical GPUs only)
 
     bool IsGpu() const { return kind != FunctionKind::Other; }
 };
@@ -86,6 +114,8 @@ struct ProcessSpec {
     std::map<uint32_t, uint64_t> vram;  // driver GPU id -> bytes
     std::vector<uint32_t> ringbufGpuIds;
     bool holdsDeviceNode = true;        // an fd on /dev/dkcd in the host /proc
+    bool driverDir = true;              // a client directory in the driver's debugfs
+    uint32_t domains = 1;               // memory domains (vram_ tags 0..domains-1) per GPU
 };
 
 struct HostSpec {
@@ -106,5 +136,8 @@ struct HostSpec {
 // Validates and completes a profile (defaults, derived ids). Throws
 // std::runtime_error naming the offending entry.
 HostSpec ParseProfile(const nlohmann::json& profile);
+
+// The "sgpu" section of a physical GPU (vhost_sgpu_profile.cpp).
+SgpuSpec ParseSgpu(const nlohmann::json& section, const std::string& where);
 
 }  // namespace dksml::vhost

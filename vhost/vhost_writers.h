@@ -21,4 +21,12 @@ void WriteLayout(const std::filesystem::path& root, const HostSpec& host);
 // /proc, /dev, the driver manager directory, debugfs and the profile's extra files.
 void WriteSystemFiles(const std::filesystem::path& root, const HostSpec& host);
 
+// The driver's client directory of one process ("nspid", "name", "vram_<n>",
+// "ringbuf/<i>/") at `dir`, a host path ending in '/' (vhost_process_writer.cpp).
+void WriteClientDirectory(const std::filesystem::path& root, const std::string& dir, const ProcessSpec& process);
+
+// The "model" file, "sgpu" tree and slice layout nodes of devices in slice
+// mode (vhost_sgpu_writer.cpp).
+void WriteSliceGpus(const std::filesystem::path& root, const HostSpec& host);
+
 }  // namespace dksml::vhost

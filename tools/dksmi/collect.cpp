@@ -5,6 +5,7 @@
 #include <map>
 
 #include "internal_reader.h"
+#include "processes_collect.h"
 
 namespace dksmi {
 namespace {
@@ -236,13 +237,17 @@ Snapshot Collect(DkSmlReturn initStatus) {
     Snapshot snapshot;
     snapshot.initStatus = initStatus;
     for (uint32_t index : DeviceIndices()) {
-        if (std::optional<DeviceReport> device = CollectDevice(index)) snapshot.devices.push_back(std::move(*device));
+        if (std::optional<DeviceReport> device = CollectDevice(index)) {
+            CollectSlices(*device);
+            snapshot.devices.push_back(std::move(*device));
+        }
     }
     LinkVirtualFunctionsToParents(snapshot.devices);
     for (uint32_t index : LimitedDeviceIndices()) {
         if (std::optional<LimitedDeviceReport> limited = CollectLimitedDevice(index))
             snapshot.limitedDevices.push_back(std::move(*limited));
     }
+    CollectProcesses(snapshot);
     return snapshot;
 }
 

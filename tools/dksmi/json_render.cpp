@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "names.h"
+#include "processes_render.h"
 
 namespace dksmi {
 namespace {
@@ -56,6 +57,9 @@ Json DeviceJson(const DeviceReport& device) {
         {"fan_duty", OrNull(device.fanDuty)},
         {"throttle_reasons_mask", OrNull(device.throttleMask)},
         {"dies", dies},
+        {"process_count", OrNull(device.processCount)},
+        {"slice_mode", OrNull(device.sliceMode)},
+        {"slices", SlicesJson(device)},
     };
 }
 
@@ -87,6 +91,7 @@ std::string RenderJson(const Snapshot& snapshot, const Outcome& outcome, bool co
         {"error", error},
         {"devices", devices},
         {"limited_devices", limited},
+        {"processes", ProcessesJson(snapshot)},
     };
     // Names come from driver files: never let a stray byte abort the dump.
     return document.dump(compact ? -1 : 2, ' ', false, Json::error_handler_t::replace) + "\n";

@@ -10,6 +10,7 @@
 #include "json_render.h"
 #include "options.h"
 #include "outcome.h"
+#include "processes_render.h"
 #include "text_render.h"
 #include "watch.h"
 
@@ -28,7 +29,9 @@ int DrawOnce(DkSmlReturn initStatus, const Options& options, bool clearFirst) {
     if (options.json)
         text = RenderJson(snapshot, outcome, options.watchSeconds.has_value());
     else
-        text = options.index ? RenderDetail(snapshot) : RenderSummary(snapshot);
+        text = options.processes ? RenderProcesses(snapshot, options.sortByMemory ? ProcessOrder::Memory : ProcessOrder::Pid)
+               : options.index   ? RenderDetail(snapshot)
+                                 : RenderSummary(snapshot);
     if (clearFirst) text = kClearScreen + text;
     fmt::print("{}", text);
     std::fflush(stdout);

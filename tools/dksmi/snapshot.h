@@ -38,6 +38,39 @@ struct DieReport {
     std::optional<ReadingRows> voltageMonitorRaw;
 };
 
+// One slice of a device in slice mode.
+struct SliceReport {
+    uint32_t id = 0;
+    uint32_t vramQuota = 0;
+    uint32_t computeQuota = 0;
+    std::string uuid;
+    std::string alias;
+    std::optional<int32_t> state;                    // the slice's layout node "active"
+    std::optional<int32_t> utilization;
+    std::optional<DkSmlSgpuMemoryInfo> memory;       // total, used, free
+};
+
+// One (GPU, memory domain) pair a process uses.
+struct ProcessGpuUse {
+    std::string busId;
+    uint32_t deviceIndex = 0;
+    uint64_t memory = 0;                             // the driver's unit (bytes)
+    uint32_t vramTag = 0;
+    int32_t sliceId = -1;                            // -1: not a slice
+};
+
+struct ProcessReport {
+    uint32_t pid = 0;
+    std::optional<uint32_t> namespacePid;            // as the driver records it
+    std::string name;
+    std::vector<ProcessGpuUse> gpus;
+    uint64_t TotalMemory() const {
+        uint64_t total = 0;
+        for (const ProcessGpuUse& use : gpus) total += use.memory;
+        return total;
+    }
+};
+
 struct DeviceReport {
     uint32_t index = 0;
     std::string name;
@@ -53,6 +86,9 @@ struct DeviceReport {
     std::optional<uint32_t> fanDuty;
     std::optional<uint64_t> throttleMask;            // OR of every die
     std::vector<DieReport> dies;
+    std::optional<uint32_t> processCount;            // processes with memory on this device
+    std::optional<bool> sliceMode;                   // empty: the device has no slice mode
+    std::vector<SliceReport> slices;
 };
 
 struct LimitedDeviceReport {
@@ -69,6 +105,7 @@ struct Snapshot {
     DkSmlReturn initStatus = DK_SML_SUCCESS;
     std::vector<DeviceReport> devices;
     std::vector<LimitedDeviceReport> limitedDevices;
+    std::optional<std::vector<ProcessReport>> processes;  // empty: the scan failed
 };
 
 }  // namespace dksmi

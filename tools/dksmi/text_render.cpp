@@ -8,6 +8,7 @@
 #include <fmt/ranges.h>
 
 #include "names.h"
+#include "processes_render.h"
 
 namespace dksmi {
 namespace {
@@ -132,6 +133,10 @@ void WriteDevice(DetailWriter& w, const DeviceReport& device) {
     w.Field(1, "Fan", device.fanRpm ? fmt::format("{} RPM, duty {}", *device.fanRpm, OrNa(device.fanDuty))
                                     : kNotAvailable);
     w.Field(1, "Throttle reasons", HexOrNa(device.throttleMask));
+    w.Field(1, "Processes", OrNa(device.processCount));
+    w.Field(1, "Slice mode", device.sliceMode ? (*device.sliceMode ? "on" : "off") : kNotAvailable);
+    if (!device.slices.empty()) w.Heading(1, "Slices");
+    for (const SliceReport& slice : device.slices) w.Field(2, fmt::format("slice {}", slice.id), SliceLine(slice));
     for (const DieReport& die : device.dies) WriteDie(w, die);
 }
 
@@ -155,9 +160,10 @@ std::string RenderSummary(const Snapshot& snapshot) {
         for (const DeviceReport& d : snapshot.devices)
             rows.push_back({std::to_string(d.index), d.name, d.busId, OrNa(d.dieCount), RoleText(d),
                             OrNa(d.hotspotC, " C"), FanText(d), OrNa(FirstClock(d, "xcore")),
-                            OrNa(FirstClock(d, "soc")), OrNa(FirstClock(d, "mc")), HexOrNa(d.throttleMask)});
+                            OrNa(FirstClock(d, "soc")), OrNa(FirstClock(d, "mc")), HexOrNa(d.throttleMask),
+                            OrNa(d.processCount)});
         out += FormatTable({"IDX", "NAME", "BUS ID", "DIES", "ROLE", "HOTSPOT", "FAN", "XCORE MHZ", "SOC MHZ",
-                            "MC MHZ", "THROTTLE"},
+                            "MC MHZ", "THROTTLE", "PROCS"},
                            rows);
     }
     out += "\n" + LimitedSection(snapshot);
