@@ -8,6 +8,7 @@
 #include "core/dk_host_root.h"
 #include "core/dk_system_manager_state.h"
 #include "driver/dk_text.h"
+#include "features/topology/dk_topology.h"
 
 namespace dksml {
 
@@ -63,9 +64,10 @@ DkSmlReturn DkSystemManager::InitializeForLinux(const std::string& searchPath,
 
     GetRenderIdAndCardId();
     m_state->sysUtils = sysUtils ? std::move(sysUtils) : std::make_unique<DkSysUtils>();
-    // The topology and process-accounting objects are created by their own
-    // services; until then they stay empty and their callers answer 6.
-    m_state->topology.reset();
+    m_state->topology = CreateTopology(m_state->sysUtils.get(), {m_state->gpuNodeMap, m_state->availableDeviceCount,
+                                                                m_state->niNodeList, m_state->devices});
+    // The process-accounting object is created by its own service; until
+    // then it stays empty and its callers answer 6.
     m_state->processManagement.reset();
     m_state->initialized = true;
     return DK_SML_SUCCESS;

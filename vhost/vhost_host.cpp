@@ -40,6 +40,7 @@ void WriteHost(const nlohmann::json& profile, const fs::path& root) {
     fs::create_directories(root);
     WritePciTree(root, host);
     WriteLayout(root, host);
+    WriteFirmwareTables(root, host);
     WriteSystemFiles(root, host);
 }
 
