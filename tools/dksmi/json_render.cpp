@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "names.h"
+#include "topo_render.h"
 
 namespace dksmi {
 namespace {
@@ -56,6 +57,8 @@ Json DeviceJson(const DeviceReport& device) {
         {"fan_duty", OrNull(device.fanDuty)},
         {"throttle_reasons_mask", OrNull(device.throttleMask)},
         {"dies", dies},
+        {"pcie", PcieJson(device.pcie)},
+        {"interconnect", LinksJson(device.links)},
     };
 }
 

@@ -38,6 +38,23 @@ struct DieReport {
     std::optional<ReadingRows> voltageMonitorRaw;
 };
 
+// PCIe link of a device (the -i view and JSON).
+struct PcieReport {
+    std::optional<DkSmlPcieInfo> current;
+    std::optional<DkSmlPcieInfo> maximum;
+    std::optional<uint32_t> slot;
+    std::optional<DkSmlPcieThroughput> throughput;
+};
+
+// Interconnect of a device: on/off state, port states and per-link bandwidth.
+struct LinkReport {
+    std::optional<uint32_t> state;
+    std::string stateText;
+    std::optional<std::vector<uint32_t>> portStates;
+    std::optional<std::vector<DkSmlDravikLinkBandwidth>> inbound;
+    std::optional<std::vector<DkSmlDravikLinkBandwidth>> outbound;
+};
+
 struct DeviceReport {
     uint32_t index = 0;
     std::string name;
@@ -53,6 +70,8 @@ struct DeviceReport {
     std::optional<uint32_t> fanDuty;
     std::optional<uint64_t> throttleMask;            // OR of every die
     std::vector<DieReport> dies;
+    PcieReport pcie;
+    LinkReport links;
 };
 
 struct LimitedDeviceReport {

@@ -8,6 +8,7 @@
 #include <fmt/ranges.h>
 
 #include "names.h"
+#include "topo_render.h"
 
 namespace dksmi {
 namespace {
@@ -133,6 +134,7 @@ void WriteDevice(DetailWriter& w, const DeviceReport& device) {
                                     : kNotAvailable);
     w.Field(1, "Throttle reasons", HexOrNa(device.throttleMask));
     for (const DieReport& die : device.dies) WriteDie(w, die);
+    for (const auto& [label, value] : PcieAndLinkFields(device)) w.Field(1, label, value);
 }
 
 void WriteLimitedDevice(DetailWriter& w, const LimitedDeviceReport& d) {
