@@ -11,6 +11,7 @@
 #include "driver/dk_text.h"
 #include "features/process/dk_process_threshold.h"
 #include "features/process/idk_process_management.h"
+#include "features/topology/dk_topology.h"
 
 namespace dksml {
 
@@ -129,8 +130,9 @@ DkSmlReturn DkSystemManager::InitializeForLinux(const std::string& searchPath,
     GetRenderIdAndCardId();
     ConstructBoardIdMap();
     m_state->sysUtils = sysUtils ? std::move(sysUtils) : std::make_unique<DkSysUtils>();
-    // The topology object is built here once its builder exists; the
-    // process-accounting object is built from this pass's devices, before
+    m_state->topology = CreateTopology(m_state->sysUtils.get(), {m_state->gpuNodeMap, m_state->availableDeviceCount,
+                                                                m_state->niNodeList, m_state->devices});
+    // The process-accounting object is built from this pass's devices, before
     // the state is published.
     m_state->processManagement = DkProcessManagementFactory::CreateProcessManagement(
         GetProcessMemoryThreshold(m_state->devices.begin()->second->GetDeviceBrand()));

@@ -873,7 +873,9 @@ typedef struct DkSmlPcieInfo {
     uint32_t width;             /* lanes */
 } DkSmlPcieInfo;
 
-/** Upstream bandwidth counters, in the driver's order. */
+/** Upstream bandwidth counters, in the driver's order ("showupstreambandwidth":
+ *  rx bytes, tx bytes, rx packets, tx packets, max payload, replay count).
+ *  DkSmlPcieThroughput takes rx from counter 0 and tx from counter 1. */
 typedef struct DkSmlPcieBandwidth {
     uint32_t counters[6];
 } DkSmlPcieBandwidth;
@@ -903,7 +905,9 @@ DKSML_API DkSmlReturn dkSmlSetPciSpeed(uint32_t deviceIndex, DkSmlPciGen generat
 DKSML_API DkSmlReturn dkSmlGetPciDelay(uint32_t deviceIndex, uint32_t *delay);
 /** Sets the PCI delay of the driver (1 to 10000). */
 DKSML_API DkSmlReturn dkSmlSetPciDelay(uint32_t deviceIndex, uint32_t delay);
-/** Physical slot number from the firmware's tables. */
+/** Physical slot number from the firmware's SMBIOS system-slot records
+ *  ("/sys/firmware/dmi/tables/DMI"); every function of a device shares the
+ *  slot of function 0. */
 DKSML_API DkSmlReturn dkSmlGetDeviceSlot(uint32_t deviceIndex, uint32_t *slot);
 /** MMIO state of the PCI function. */
 DKSML_API DkSmlReturn dkSmlGetPciMmioState(uint32_t deviceIndex, uint32_t *state);
@@ -950,6 +954,29 @@ DKSML_API DkSmlReturn dkSmlGetOpticalModulePower(uint32_t deviceIndex, uint32_t 
 /* ------------------------------------------------------------------------ */
 
 #define DK_SML_DRAVIK_LINK_MAX_PORTS 16
+
+/*
+ * The driver's interconnect attributes, per die ("smi/" and "smi1/"):
+ *
+ * | Attribute                                 | Lines                                      | Record                      |
+ * |-------------------------------------------|--------------------------------------------|-----------------------------|
+ * | "showdvlkibandwidth", "showdvlktbandwidth" | two per link: "<label>: current", then      | DkSmlDravikLinkBandwidth    |
+ * |                                           | "<label>: maximum"; die 1 ends with its PM  | values[0], values[1]        |
+ * |                                           | port's pair                                |                             |
+ * | "dvlki_traffic_stat", "dvlkt_traffic_stat" | "portN: <packets> <bytes>"                 | DkSmlDravikLinkTrafficStat  |
+ * | "showdvlkaer"                             | "portN: <correctable> <uncorrectable>"     | DkSmlDravikLinkAer          |
+ * | "showdvlkspeed", "showdvlkwidth"           | "portN: <GT/s>", "portN: <lanes>"          | DkSmlDravikLinkInfo         |
+ * | "showdvlkstatus"                          | "portN: <state 0..4>"; other or absent: 5  | port states, _v2 state[]    |
+ * | "dravlink_ctrl"                           | "<0 off, 1 on>", then the driver's text    | state and text              |
+ *
+ * Ports count from 1; die 0 has 7 ports, die 1 has 8 (the PM port last).
+ * On a multi-chip device the device forms list die 0's entries, then die 1's;
+ * the interconnect state is on only when both dies are on, and setting it
+ * writes both dies. The link topology (DkSmlDravikLinkTopo) comes from the
+ * layout's interconnect link records (link types 4 and 5, in the driver's
+ * order): localPort and remotePort are the positions of the record at each
+ * end, UINT32_MAX when the far end lists no record back.
+ */
 
 typedef enum DkSmlDravikLinkType DKSML_ENUM_BASE {
     DK_SML_DRAVIK_LINK_INBOUND = 0,

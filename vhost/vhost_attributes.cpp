@@ -284,12 +284,15 @@ std::string PortLines(const DieContext& c, const std::function<std::string(unsig
     return text;
 }
 
+// Two lines per link; die 1's last port is its PM port.
 std::string LinkBandwidth(const DieContext& c, int salt) {
     std::string text;
     for (unsigned link = 0; link < Ports(c); ++link) {
         const int rate = 4000 + 350 * Vary(c, 9, salt + static_cast<int>(link));
-        text += "link" + std::to_string(link) + " bandwidth: " + std::to_string(rate) + "\n";
-        text += "link" + std::to_string(link) + " max bandwidth: 50000\n";
+        const bool pmPort = c.die == 1 && link + 1 == Ports(c);
+        const std::string label = pmPort ? "pm port" : "link" + std::to_string(link);
+        text += label + " bandwidth: " + std::to_string(rate) + "\n";
+        text += label + " max bandwidth: 50000\n";
     }
     return text;
 }
@@ -298,11 +301,18 @@ std::string LinkStatus(const DieContext& c) {
     return PortLines(c, [&](unsigned port) { return port <= 4 ? std::string("2") : std::string("0"); });
 }
 
+// "portN: <packets> <bytes>".
 std::string LinkTraffic(const DieContext& c, int salt) {
-    return PortLines(c, [&](unsigned port) { return std::to_string((port * 1048576ull) + Vary(c, 97, salt)); });
+    return PortLines(c, [&](unsigned port) {
+        const unsigned long long bytes = (port * 1048576ull) + Vary(c, 97, salt);
+        return std::to_string(bytes / 256) + " " + std::to_string(bytes);
+    });
 }
 
-std::string LinkAer(const DieContext& c) { return PortLines(c, [](unsigned) { return std::string("0"); }); }
+// "portN: <correctable> <uncorrectable>".
+std::string LinkAer(const DieContext& c) {
+    return PortLines(c, [](unsigned port) { return std::to_string(port == 2 ? 3 : 0) + " 0"; });
+}
 std::string LinkSpeedPorts(const DieContext& c) { return PortLines(c, [](unsigned) { return std::string("32"); }); }
 std::string LinkWidthPorts(const DieContext& c) { return PortLines(c, [](unsigned) { return std::string("16"); }); }
 std::string LinkControl(const DieContext&) { return "1\nenabled\n"; }

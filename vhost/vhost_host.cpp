@@ -43,6 +43,7 @@ void WriteHost(const nlohmann::json& profile, const fs::path& root) {
     WriteCpuTopology(root, host);
     WriteLayout(root, host);
     WriteSliceGpus(root, host);
+    WriteFirmwareTables(root, host);
     WriteSystemFiles(root, host);
 }
 

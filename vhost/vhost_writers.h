@@ -18,6 +18,9 @@ void WritePciTree(const std::filesystem::path& root, const HostSpec& host);
 // /sys/class/dravik/dkcd/layout/nodes with the link records.
 void WriteLayout(const std::filesystem::path& root, const HostSpec& host);
 
+// The firmware's SMBIOS table with a system slot per physical GPU.
+void WriteFirmwareTables(const std::filesystem::path& root, const HostSpec& host);
+
 // /proc, /dev, the driver manager directory, debugfs and the profile's extra files.
 void WriteSystemFiles(const std::filesystem::path& root, const HostSpec& host);
 

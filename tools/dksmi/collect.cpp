@@ -1,4 +1,5 @@
 #include "collect.h"
+#include "topo_collect.h"
 
 #include <algorithm>
 #include <array>
@@ -175,6 +176,7 @@ std::optional<DeviceReport> CollectDevice(uint32_t index) {
         [&](uint64_t* mask) { return dkSmlGetCurrentClocksThrottleReason(index, DK_SML_DIE_ALL, mask); });
 
     for (uint32_t die = 0; die < report.dieCount.value_or(0); ++die) report.dies.push_back(CollectDie(index, die));
+    CollectPcieAndLinks(index, report);
     return report;
 }
 

@@ -4,6 +4,7 @@
 
 #include "names.h"
 #include "processes_render.h"
+#include "topo_render.h"
 
 namespace dksmi {
 namespace {
@@ -60,6 +61,8 @@ Json DeviceJson(const DeviceReport& device) {
         {"process_count", OrNull(device.processCount)},
         {"slice_mode", OrNull(device.sliceMode)},
         {"slices", SlicesJson(device)},
+        {"pcie", PcieJson(device.pcie)},
+        {"interconnect", LinksJson(device.links)},
     };
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <string_view>
 
 #include <fmt/format.h>
 
@@ -12,6 +13,7 @@
 #include "outcome.h"
 #include "processes_render.h"
 #include "text_render.h"
+#include "topo_command.h"
 #include "watch.h"
 
 namespace dksmi {
@@ -40,6 +42,7 @@ int DrawOnce(DkSmlReturn initStatus, const Options& options, bool clearFirst) {
 }
 
 int Run(int argc, char** argv) {
+    if (argc > 1 && std::string_view(argv[1]) == "topo") return RunTopo(argc - 1, argv + 1);
     const ParseResult parsed = ParseOptions(argc, argv);
     if (const int* exitNow = std::get_if<int>(&parsed)) return *exitNow;
     const Options& options = std::get<Options>(parsed);

@@ -69,6 +69,21 @@ struct ProcessReport {
         for (const ProcessGpuUse& use : gpus) total += use.memory;
         return total;
     }
+// PCIe link of a device (the -i view and JSON).
+struct PcieReport {
+    std::optional<DkSmlPcieInfo> current;
+    std::optional<DkSmlPcieInfo> maximum;
+    std::optional<uint32_t> slot;
+    std::optional<DkSmlPcieThroughput> throughput;
+};
+
+// Interconnect of a device: on/off state, port states and per-link bandwidth.
+struct LinkReport {
+    std::optional<uint32_t> state;
+    std::string stateText;
+    std::optional<std::vector<uint32_t>> portStates;
+    std::optional<std::vector<DkSmlDravikLinkBandwidth>> inbound;
+    std::optional<std::vector<DkSmlDravikLinkBandwidth>> outbound;
 };
 
 struct DeviceReport {
@@ -89,6 +104,8 @@ struct DeviceReport {
     std::optional<uint32_t> processCount;            // processes with memory on this device
     std::optional<bool> sliceMode;                   // empty: the device has no slice mode
     std::vector<SliceReport> slices;
+    PcieReport pcie;
+    LinkReport links;
 };
 
 struct LimitedDeviceReport {

@@ -9,6 +9,7 @@
 
 #include "names.h"
 #include "processes_render.h"
+#include "topo_render.h"
 
 namespace dksmi {
 namespace {
@@ -138,6 +139,7 @@ void WriteDevice(DetailWriter& w, const DeviceReport& device) {
     if (!device.slices.empty()) w.Heading(1, "Slices");
     for (const SliceReport& slice : device.slices) w.Field(2, fmt::format("slice {}", slice.id), SliceLine(slice));
     for (const DieReport& die : device.dies) WriteDie(w, die);
+    for (const auto& [label, value] : PcieAndLinkFields(device)) w.Field(1, label, value);
 }
 
 void WriteLimitedDevice(DetailWriter& w, const LimitedDeviceReport& d) {
