@@ -26,6 +26,7 @@ namespace fs = std::filesystem;
 // How one entry of the gather table is taken.
 enum class Take {
     File,            // one file
+    Directory,       // only the directory's presence (the library tests it to choose a path)
     Tree,            // a directory and everything in it; links are copied, never followed
     Pattern,         // '*' in path components; every match is taken as a file or a tree
     DeviceNode,      // a device node, recorded as an empty file (only its presence is read)
@@ -41,12 +42,14 @@ struct GatherRule {
 
 // Everything the library reads outside the PCI function directories. A path
 // that does not exist on a host is simply not taken.
-constexpr std::array<GatherRule, 24> c_gatherTable{{
+constexpr std::array<GatherRule, 27> c_gatherTable{{
     // Driver presence, overrides.
     {"/proc/modules", Take::File},
     {"/opt/smi/etc/vendorid", Take::File},
     {"/opt/smi/etc/chipname", Take::File},
     // Driver class (layout nodes and links) and manager directories, both spellings.
+    {"/sys/class/dravik/dkcd", Take::Directory},
+    {"/sys/class/dkcd/dkcd", Take::Directory},
     {"/sys/class/dravik/dkcd/layout", Take::Tree},
     {"/sys/class/dkcd/dkcd/layout", Take::Tree},
     {"/sys/devices/virtual/dkcd/dkcd/manager", Take::Tree},
@@ -61,6 +64,7 @@ constexpr std::array<GatherRule, 24> c_gatherTable{{
     // PCI functions and topology.
     {"/sys/bus/pci/devices", Take::PciFunctions},
     {"/sys/firmware/dmi/tables/DMI", Take::File},
+    {"/lib/firmware/pptable.bin", Take::File},
     {"/sys/kernel/pci_switch_link/virtual_switch_links", Take::Tree},
     {"/opt/pci_switch_link/virtual_switch_links", Take::Tree},
     // CPU and NUMA layout.
@@ -74,11 +78,17 @@ constexpr std::array<GatherRule, 24> c_gatherTable{{
 }};
 
 // What is taken from every PCI function directory and from each bridge above it.
-constexpr std::array<const char*, 19> c_pciFunctionFiles{{
+constexpr std::array<const char*, 22> c_pciFunctionFiles{{
     "vendor", "device", "subsystem_vendor", "subsystem_device", "class", "revision",
     "numa_node", "local_cpulist", "local_cpus", "max_link_speed", "max_link_width",
     "current_link_speed", "current_link_width", "gpuvf", "sriov_totalvfs", "sriov_numvfs",
-    "model", "roce_enable", "config",
+    "model", "roce_enable", "config", "aer_dev_correctable", "aer_dev_fatal", "aer_dev_nonfatal",
+}};
+// Driver files that start an action (resets, updates, bus writes, error
+// injection, partition changes): never opened, even for reading.
+constexpr std::array<std::string_view, 14> c_actionFiles{{
+    "resetprofile", "updatepptable", "vfflr", "pfflr", "e2promreset", "testmode", "updatefw", "rasinject",
+    "writesmbus", "writepmbus", "writedkmesmbus", "create", "remove", "setpcispeed",
 }};
 // The driver's per-die attribute directories and slice-GPU directory.
 constexpr std::array<const char*, 3> c_pciFunctionTrees{{"smi", "smi1", "sgpu"}};
@@ -152,6 +162,9 @@ private:
     void Take(const GatherRule& rule) {
         switch (rule.take) {
             case Take::File: TakeFileIfPresent(rule.hostPath); break;
+            case Take::Directory:
+                if (IsDirectory(rule.hostPath)) fs::create_directories(Output(rule.hostPath));
+                break;
             case Take::Tree: TakeTree(rule.hostPath); break;
             case Take::Pattern: TakePattern(rule.hostPath); break;
             case Take::DeviceNode: TakeDeviceNode(rule.hostPath); break;
@@ -167,6 +180,11 @@ private:
 
     // Sysfs sizes are always 4096, so the file is read to its end, not to its size.
     void TakeFile(const std::string& hostPath) {
+        const std::string name = fs::path(hostPath).filename().string();
+        if (std::find(c_actionFiles.begin(), c_actionFiles.end(), name) != c_actionFiles.end()) {
+            Record("skipped", hostPath, "action file");
+            return;
+        }
         if (!m_options.keepProcessNames && IsProcessName(hostPath)) {
             Record("dropped", hostPath, "process name");
             return;

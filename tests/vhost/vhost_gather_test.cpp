@@ -35,6 +35,7 @@ protected:
         fs::create_directories(m_host.Path("/proc/777/fd"));
         fs::create_symlink("/dev/dkcd", m_host.Path("/proc/777/fd/4"));
         m_host.WriteFile("/home/alice/notes.txt", "private");
+        m_host.WriteFile("/sys/bus/pci/devices/0000:1b:00.0/smi/vfflr", "");
         fs::create_directories(m_host.Path("/opt/smi/etc"));
         fs::create_symlink("/nowhere/vendorid", m_host.Path("/opt/smi/etc/vendorid"));
     }
@@ -57,6 +58,9 @@ TEST_F(GatherTest, TakesNothingPersonalAndOnlyTheDescriptorsOfTheDriverNode) {
                                "home/alice/notes.txt"})
         EXPECT_FALSE(fs::exists(fs::symlink_status(out / absent))) << absent;
     EXPECT_TRUE(fs::exists(out / "proc/4242/comm"));
+    // A file that resets the function is never opened.
+    EXPECT_FALSE(fs::exists(out / "sys/bus/pci/devices/0000:1b:00.0/smi/vfflr"));
+    EXPECT_NE(Manifest(out).find("0000:1b:00.0/smi/vfflr\taction file\n"), std::string::npos);
     // The absolute target became relative, so it resolves inside the snapshot.
     EXPECT_EQ(fs::read_symlink(out / "proc/777/fd/4"), "../../../dev/dkcd");
     EXPECT_EQ(fs::canonical(out / "proc/777/fd/4"), fs::canonical(out / "dev/dkcd"));
