@@ -42,7 +42,7 @@ struct GatherRule {
 
 // Everything the library reads outside the PCI function directories. A path
 // that does not exist on a host is simply not taken.
-constexpr std::array<GatherRule, 27> c_gatherTable{{
+constexpr std::array<GatherRule, 30> c_gatherTable{{
     // Driver presence, overrides.
     {"/proc/modules", Take::File},
     {"/opt/smi/etc/vendorid", Take::File},
@@ -68,8 +68,11 @@ constexpr std::array<GatherRule, 27> c_gatherTable{{
     {"/sys/kernel/pci_switch_link/virtual_switch_links", Take::Tree},
     {"/opt/pci_switch_link/virtual_switch_links", Take::Tree},
     // CPU and NUMA layout.
-    {"/sys/devices/system/node/*", Take::Pattern},
-    {"/sys/devices/system/node/node*/cpu*", Take::Pattern},
+    {"/sys/devices/system/node/online", Take::File},
+    {"/sys/devices/system/node/possible", Take::File},
+    {"/sys/devices/system/node/has_cpu", Take::File},
+    {"/sys/devices/system/node/node*/cpulist", Take::Pattern},
+    {"/sys/devices/system/node/node*/cpumap", Take::Pattern},
     {"/sys/devices/system/node/node*/distance", Take::Pattern},
     {"/sys/devices/system/cpu/online", Take::File},
     {"/sys/devices/system/cpu/possible", Take::File},
