@@ -369,6 +369,16 @@ DKSML_API DkSmlReturn dkSmlGetDieTemperatureInfo(uint32_t deviceIndex, uint32_t 
                                                  DkSmlTemperatureSensors sensor, int32_t *value);
 /** Fan speed in RPM and fan duty (PWM) value. */
 DKSML_API DkSmlReturn dkSmlGetFanSpeedInfo(uint32_t deviceIndex, uint32_t *rpm, uint32_t *pwm);
+/** Every temperature of one die in one read; 65535 where a sensor has no reading. */
+DKSML_API DkSmlReturn dkSmlGetDieTemperatureRecord(uint32_t deviceIndex, uint32_t dieId,
+                                                   DkSmlTemperature *temperature);
+/** Temperature-sensor table of one die ("showtstemp"). */
+DKSML_API DkSmlReturn dkSmlGetDieTemperatureSensor(uint32_t deviceIndex, uint32_t dieId,
+                                                   DkSmlTemperatureSensorForAll *table);
+/** Voltage-monitor rows of one die ("showvmread"); count is capacity in, rows out
+ *  (rows may be null with a capacity of 0 to learn the count). */
+DKSML_API DkSmlReturn dkSmlGetDieVmInfo(uint32_t deviceIndex, uint32_t dieId, uint32_t *count,
+                                        DkSmlVmInfo *rows);
 
 /* ======================================================================== */
 /* Remaining records and functions of both families follow.                  */
