@@ -41,6 +41,7 @@ void WriteHost(const nlohmann::json& profile, const fs::path& root) {
     WritePciTree(root, host);
     WriteLayout(root, host);
     WriteSystemFiles(root, host);
+    WriteComputeStack(root, host);
 }
 
 }  // namespace dksml::vhost

@@ -20,7 +20,7 @@ using nlohmann::json;
 
 const std::set<std::string> c_hostKeys{"name", "description", "driver_loaded", "virtual_machine",
                                        "operating_mode", "cpu_nodes", "devices", "links",
-                                       "processes", "files"};
+                                       "processes", "files", "compute_stack"};
 const std::set<std::string> c_deviceKeys{
     "bus_id", "function", "model", "vendor", "device_id", "subsystem_vendor", "subsystem_device",
     "class", "driver", "parent", "bridges", "numa_node", "local_cpulist", "dies", "attributes",
@@ -370,6 +370,7 @@ HostSpec ParseProfile(const json& profile) {
         host.links = ParseLinks(profile.value("links", json::array()), host);
         host.processes = ParseProcesses(profile.value("processes", json::array()));
         host.files = OverridesOf(profile.value("files", json()), "files");
+        host.computeStack = ParseComputeStack(profile.value("compute_stack", json::object()));
     } catch (const json::exception& error) {
         // Type errors of nlohmann carry no context of ours; keep their text.
         throw std::runtime_error(std::string("profile: ") + error.what());

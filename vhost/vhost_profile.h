@@ -75,6 +75,17 @@ struct ProcessSpec {
     bool holdsDeviceNode = true;        // an fd on /dev/dkcd in the host /proc
 };
 
+// Which build of each compute-stack library the host carries: the runtime
+// is "absent", "present", "no_symbol" (no version function) or "failing"
+// (the call reports an error); the SDK is "absent" or "present".
+struct ComputeStackSpec {
+    std::string runtime = "absent";
+    std::string sdk = "absent";
+};
+
+// Throws std::runtime_error for an unknown key or variant.
+ComputeStackSpec ParseComputeStack(const nlohmann::json& section);
+
 struct HostSpec {
     std::string name;
     bool driverLoaded = true;
@@ -85,6 +96,7 @@ struct HostSpec {
     std::vector<LinkSpec> links;
     std::vector<ProcessSpec> processes;
     TextOverrides files;               // absolute host paths
+    ComputeStackSpec computeStack;
 
     const DeviceSpec* FindDevice(const std::string& busId) const;
 };

@@ -20,4 +20,7 @@ void WriteLayout(const std::filesystem::path& root, const HostSpec& host);
 // /proc, /dev, the driver manager directory, debugfs and the profile's extra files.
 void WriteSystemFiles(const std::filesystem::path& root, const HostSpec& host);
 
+// The compute stack's libraries under /opt (vhost_compute_stack_writer.cpp).
+void WriteComputeStack(const std::filesystem::path& root, const HostSpec& host);
+
 }  // namespace dksml::vhost

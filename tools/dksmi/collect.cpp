@@ -1,4 +1,5 @@
 #include "collect.h"
+#include "collect_versions.h"
 
 #include <algorithm>
 #include <array>
@@ -124,6 +125,7 @@ DieReport CollectDie(uint32_t index, uint32_t die) {
 
     std::vector<DkSmlVmInfo> voltage;
     if (ReadDieVoltageMonitor(index, die, voltage) == DK_SML_SUCCESS) report.voltageMonitorRaw = ToVoltageRows(voltage);
+    report.perfLevels = CollectPerfLevels(index, die);
     return report;
 }
 
@@ -174,6 +176,7 @@ std::optional<DeviceReport> CollectDevice(uint32_t index) {
         [&](uint64_t* mask) { return dkSmlGetCurrentClocksThrottleReason(index, DK_SML_DIE_ALL, mask); });
 
     for (uint32_t die = 0; die < report.dieCount.value_or(0); ++die) report.dies.push_back(CollectDie(index, die));
+    CollectDeviceVersions(report);
     return report;
 }
 
@@ -239,6 +242,7 @@ Snapshot Collect(DkSmlReturn initStatus) {
         if (std::optional<DeviceReport> device = CollectDevice(index)) snapshot.devices.push_back(std::move(*device));
     }
     LinkVirtualFunctionsToParents(snapshot.devices);
+    CollectSystemVersions(snapshot);
     for (uint32_t index : LimitedDeviceIndices()) {
         if (std::optional<LimitedDeviceReport> limited = CollectLimitedDevice(index))
             snapshot.limitedDevices.push_back(std::move(*limited));

@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <string_view>
 
 #include <fmt/format.h>
 
@@ -10,6 +11,7 @@
 #include "json_render.h"
 #include "options.h"
 #include "outcome.h"
+#include "set_command.h"
 #include "text_render.h"
 #include "watch.h"
 
@@ -37,6 +39,7 @@ int DrawOnce(DkSmlReturn initStatus, const Options& options, bool clearFirst) {
 }
 
 int Run(int argc, char** argv) {
+    if (argc > 1 && std::string_view(argv[1]) == "set") return RunSet(argc - 1, argv + 1);
     const ParseResult parsed = ParseOptions(argc, argv);
     if (const int* exitNow = std::get_if<int>(&parsed)) return *exitNow;
     const Options& options = std::get<Options>(parsed);

@@ -28,6 +28,19 @@ struct TemperatureReading {
 
 using ReadingRows = std::vector<std::vector<int32_t>>;
 
+// Current and maximum performance level of one DPM domain of a die.
+struct PerfLevelReading {
+    std::string ip;
+    std::optional<uint32_t> current;
+    std::optional<uint32_t> maximum;
+};
+
+// The version of one firmware unit ("SMP0", "MCU", ...).
+struct FirmwareVersion {
+    std::string unit;
+    std::optional<std::string> version;
+};
+
 struct DieReport {
     uint32_t die = 0;
     std::optional<uint64_t> throttleMask;
@@ -36,6 +49,7 @@ struct DieReport {
     std::optional<int32_t> hottestSensorIndex;
     std::optional<ReadingRows> sensorTableC;
     std::optional<ReadingRows> voltageMonitorRaw;
+    std::optional<std::vector<PerfLevelReading>> perfLevels;
 };
 
 struct DeviceReport {
@@ -53,6 +67,10 @@ struct DeviceReport {
     std::optional<uint32_t> fanDuty;
     std::optional<uint64_t> throttleMask;            // OR of every die
     std::vector<DieReport> dies;
+    std::optional<std::string> driverVersion;
+    std::optional<std::string> vbiosVersion;
+    std::optional<std::string> computeStackVersion;
+    std::vector<FirmwareVersion> firmware;           // die 0
 };
 
 struct LimitedDeviceReport {
@@ -69,6 +87,8 @@ struct Snapshot {
     DkSmlReturn initStatus = DK_SML_SUCCESS;
     std::vector<DeviceReport> devices;
     std::vector<LimitedDeviceReport> limitedDevices;
+    std::string libraryVersion;                      // this library's own
+    std::optional<std::string> driverVersion;        // of the first device
 };
 
 }  // namespace dksmi
