@@ -51,7 +51,7 @@ std::string_view FwUnitKey(DkSmlVersionUnit unit) {
 void PutText(std::string_view text, char* buffer, uint32_t capacity) {
     if (buffer == nullptr || capacity == 0) return;
     const std::size_t length = text.size() < capacity ? text.size() : capacity - 1;
-    std::memcpy(buffer, text.data(), length);
+    if (length > 0) std::memcpy(buffer, text.data(), length);  // an empty view may hold no pointer
     buffer[length] = '\0';
 }
 
