@@ -669,6 +669,49 @@ DKSML_API DkSmlReturn dkSmlGetPciPowerState(uint32_t deviceIndex, DkSmlPciPowerS
 /* ------------------------------------------------------------------------ */
 
 #define DK_SML_DPM_MAX_LEVELS 16
+/** Level of a domain the driver does not list. */
+#define DK_SML_DPM_LEVEL_NONE 0xFFFFFFFFu
+
+/*
+ * Performance levels are counted from 0. Domain 11 is "npu"; the driver
+ * names the domains "dla", "xcore", "mc", "soc", "dnoc", "vpue", "vpud",
+ * "hbm", "g2d", "hbmpower", "ccx", "npu", "dma", "csc", "eth" (values 0-14).
+ *
+ * Domains whose maximum level may be set, with their number of levels
+ * (maximum level = count - 1):
+ *   DKK6 and DKQ9 models: dla 8, xcore 10, mc 4, soc 6, dnoc 4, vpue 5,
+ *                         vpud 5, hbm 3, ccx 4
+ *   DKK6U models:         xcore 10, mc 4, vpue 5, vpud 5, hbm 3, ccx 4
+ *   other models:         dla 8, xcore 8, mc 4, soc 6, dnoc 4, vpue 5, vpud 5
+ * The current level may be set on the same domains on the training lines
+ * (brands 2 and 4); the inference line (brand 1) sets dla 8, xcore 8, mc 4,
+ * soc 6. On DKK3 boards a maximum level above 9 is refused and read as 9.
+ * The DPM interval may be set on dla (brand 1) or xcore (brands 2 and 4).
+ *
+ * Driver texts read and written per die (one row per domain, label before
+ * the colon exactly the domain name; values decimal, separated by blanks,
+ * at most DK_SML_DPM_MAX_LEVELS of them):
+ *   "dpmcount"       "xcore: 10"   levels allowed (max level + 1); written
+ *                                  as "xcore 10"
+ *   "showperflevel"  "xcore: 3"    level in force
+ *   "setperflevel"   written as "xcore 3" (the level itself)
+ *   "dpminterval"    "xcore: 10"   sampling interval in ms; written as
+ *                                  "xcore 10"
+ *   "showclkrange"   "xcore: 300 600 900"  clock of each level (MHz)
+ *   "dpmctl"         "xcore: 650 700 750"  voltage of each level (mV)
+ *   "dpmusage"       "xcore: 120 40 8"     ms spent at each level; the
+ *                                          command "clear" resets them
+ *   "dpmfeature"     "xcore: 10"   levels the table enables; written as
+ *                                  "xcore 10"
+ *   "dpm_table_ctrl" rows "xcore clock: ...", "xcore vdd: ...",
+ *                    "xcore backup clock: ...", "xcore backup vdd: ...",
+ *                    "xcore hide: 5" (mask of hidden levels),
+ *                    "xcore param: ..." (algorithm parameters); commands
+ *                    "backup", "hide xcore 5", "set xcore LEVEL MHZ"
+ * Records: DkSmlDpmForAll and DkSmlDpmMaxForAll hold DK_SML_DPM_LEVEL_NONE
+ * (and a level count of 0) for domains the driver does not list; the other
+ * records hold count 0 for them.
+ */
 
 /** Values of every performance level of one domain (MHz or mV). */
 typedef struct DkSmlDpmPerfLevel {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <string_view>
 
+#include "vhost/vhost_dpm_texts.h"
 #include "vhost/vhost_model_family.h"
 
 namespace dksml::vhost {
@@ -247,16 +248,7 @@ std::string MemUse(const DieContext& c) {
 
 // --- performance levels ---------------------------------------------------
 
-std::string DpmCount(const DieContext& c) {
-    return Line("dla", 8) + Line("xcore", Family(c).brand == 4 ? 10 : 8) + Line("mc", 4) + Line("soc", 6) +
-           Line("dnoc", 4) + Line("vpue", 5) + Line("vpud", 5) + Line("hbm", 3) + Line("ccx", 4);
-}
-
-std::string PerfLevel(const DieContext& c) {
-    return Line("dla", Vary(c, 4)) + Line("xcore", 3 + Vary(c, 4)) + Line("mc", 2) + Line("soc", 1);
-}
-
-std::string DpmInterval(const DieContext&) { return "dpm interval: 10\n"; }
+// The DPM texts live in vhost_dpm_texts.cpp.
 
 // --- PCIe -----------------------------------------------------------------
 
@@ -376,9 +368,15 @@ const std::vector<AttributeRow>& AttributeTable() {
         {"apuseageswitch", Scope::AllFunctions, ApUsageSwitch},
         {"showmeminfo", Scope::AllFunctions, MemInfo},
         {"showmemuse", Scope::AllFunctions, MemUse},
-        {"dpmcount", Scope::Physical, DpmCount},
-        {"setperflevel", Scope::Physical, PerfLevel},
-        {"dpminterval", Scope::Physical, DpmInterval},
+        {"dpmcount", Scope::Physical, DpmCountText},
+        {"setperflevel", Scope::Physical, PerfLevelText},
+        {"dpminterval", Scope::Physical, DpmIntervalText},
+        {"showperflevel", Scope::Physical, PerfLevelText},
+        {"showclkrange", Scope::Physical, ClockRangeText},
+        {"dpmctl", Scope::Physical, DpmVoltageText},
+        {"dpmusage", Scope::Physical, DpmUsageText},
+        {"dpmfeature", Scope::Physical, DpmFeatureText},
+        {"dpm_table_ctrl", Scope::Physical, DpmTableText},
         {"pcicurrentlinkspeed", Scope::Physical, LinkSpeed},
         {"pcicurrentlinkwidth", Scope::Physical, LinkWidth},
         {"showupstreambandwidth", Scope::Physical, UpstreamBandwidth},

@@ -45,6 +45,7 @@ void WriteHost(const nlohmann::json& profile, const fs::path& root) {
     WriteSliceGpus(root, host);
     WriteFirmwareTables(root, host);
     WriteSystemFiles(root, host);
+    WriteComputeStack(root, host);
 }
 
 }  // namespace dksml::vhost

@@ -23,7 +23,7 @@ using nlohmann::json;
 
 const std::set<std::string> c_hostKeys{"name", "description", "driver_loaded", "virtual_machine",
                                        "operating_mode", "cpu_nodes", "devices", "links",
-                                       "processes", "files", "bridge_links"};
+                                       "processes", "files", "bridge_links", "compute_stack"};
 const std::set<std::string> c_deviceKeys{
     "bus_id", "function", "model", "vendor", "device_id", "subsystem_vendor", "subsystem_device",
     "class", "driver", "parent", "bridges", "numa_node", "local_cpulist", "dies", "attributes",
@@ -399,6 +399,7 @@ HostSpec ParseProfile(const json& profile) {
             host.bridgeLinks[BusIdOf(busId, where)] = ParsePcieLink(link, DefaultBridgeLink(), where);
         }
         CollectBridges(host);  // rejects bridges whose placement no PCI bus numbering can give
+        host.computeStack = ParseComputeStack(profile.value("compute_stack", json::object()));
     } catch (const json::exception& error) {
         // Type errors of nlohmann carry no context of ours; keep their text.
         throw std::runtime_error(std::string("profile: ") + error.what());

@@ -118,6 +118,17 @@ struct ProcessSpec {
     uint32_t domains = 1;               // memory domains (vram_ tags 0..domains-1) per GPU
 };
 
+// Which build of each compute-stack library the host carries: the runtime
+// is "absent", "present", "no_symbol" (no version function) or "failing"
+// (the call reports an error); the SDK is "absent" or "present".
+struct ComputeStackSpec {
+    std::string runtime = "absent";
+    std::string sdk = "absent";
+};
+
+// Throws std::runtime_error for an unknown key or variant.
+ComputeStackSpec ParseComputeStack(const nlohmann::json& section);
+
 struct HostSpec {
     std::string name;
     bool driverLoaded = true;
@@ -129,6 +140,7 @@ struct HostSpec {
     std::vector<ProcessSpec> processes;
     TextOverrides files;               // absolute host paths
     std::map<std::string, PcieLinkSpec> bridgeLinks;  // bridge bus id -> its link, when not the default
+    ComputeStackSpec computeStack;
 
     const DeviceSpec* FindDevice(const std::string& busId) const;
 };

@@ -31,5 +31,7 @@ void WriteClientDirectory(const std::filesystem::path& root, const std::string& 
 // The "model" file, "sgpu" tree and slice layout nodes of devices in slice
 // mode (vhost_sgpu_writer.cpp).
 void WriteSliceGpus(const std::filesystem::path& root, const HostSpec& host);
+// The compute stack's libraries under /opt (vhost_compute_stack_writer.cpp).
+void WriteComputeStack(const std::filesystem::path& root, const HostSpec& host);
 
 }  // namespace dksml::vhost

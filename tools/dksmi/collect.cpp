@@ -1,5 +1,6 @@
 #include "collect.h"
 #include "topo_collect.h"
+#include "collect_versions.h"
 
 #include <algorithm>
 #include <array>
@@ -126,6 +127,7 @@ DieReport CollectDie(uint32_t index, uint32_t die) {
 
     std::vector<DkSmlVmInfo> voltage;
     if (ReadDieVoltageMonitor(index, die, voltage) == DK_SML_SUCCESS) report.voltageMonitorRaw = ToVoltageRows(voltage);
+    report.perfLevels = CollectPerfLevels(index, die);
     return report;
 }
 
@@ -177,6 +179,7 @@ std::optional<DeviceReport> CollectDevice(uint32_t index) {
 
     for (uint32_t die = 0; die < report.dieCount.value_or(0); ++die) report.dies.push_back(CollectDie(index, die));
     CollectPcieAndLinks(index, report);
+    CollectDeviceVersions(report);
     return report;
 }
 
@@ -245,6 +248,7 @@ Snapshot Collect(DkSmlReturn initStatus) {
         }
     }
     LinkVirtualFunctionsToParents(snapshot.devices);
+    CollectSystemVersions(snapshot);
     for (uint32_t index : LimitedDeviceIndices()) {
         if (std::optional<LimitedDeviceReport> limited = CollectLimitedDevice(index))
             snapshot.limitedDevices.push_back(std::move(*limited));

@@ -18,6 +18,23 @@ Json OrNull(const std::optional<T>& value) {
     return value ? Json(*value) : Json(nullptr);
 }
 
+Json PerfLevelsJson(const DieReport& die) {
+    if (!die.perfLevels) return nullptr;
+    Json levels = Json::object();
+    for (const PerfLevelReading& level : *die.perfLevels)
+        levels[level.ip] = Json{{"current", OrNull(level.current)}, {"max", OrNull(level.maximum)}};
+    return levels;
+}
+
+Json VersionsJson(const DeviceReport& device) {
+    Json firmware = Json::object();
+    for (const FirmwareVersion& unit : device.firmware) firmware[unit.unit] = OrNull(unit.version);
+    return Json{{"driver", OrNull(device.driverVersion)},
+                {"vbios", OrNull(device.vbiosVersion)},
+                {"compute_stack", OrNull(device.computeStackVersion)},
+                {"firmware", firmware}};
+}
+
 Json DieJson(const DieReport& die) {
     Json clocks = nullptr;
     if (die.clocks) {
@@ -37,6 +54,7 @@ Json DieJson(const DieReport& die) {
         {"hottest_sensor_index", OrNull(die.hottestSensorIndex)},
         {"sensor_table_c", OrNull(die.sensorTableC)},
         {"voltage_monitor_raw", OrNull(die.voltageMonitorRaw)},
+        {"performance_levels", PerfLevelsJson(die)},
     };
 }
 
@@ -57,6 +75,7 @@ Json DeviceJson(const DeviceReport& device) {
         {"fan_rpm", OrNull(device.fanRpm)},
         {"fan_duty", OrNull(device.fanDuty)},
         {"throttle_reasons_mask", OrNull(device.throttleMask)},
+        {"versions", VersionsJson(device)},
         {"dies", dies},
         {"process_count", OrNull(device.processCount)},
         {"slice_mode", OrNull(device.sliceMode)},
@@ -92,6 +111,8 @@ std::string RenderJson(const Snapshot& snapshot, const Outcome& outcome, bool co
         {"library_status",
          Json{{"code", static_cast<uint32_t>(snapshot.initStatus)}, {"text", StatusText(snapshot.initStatus)}}},
         {"error", error},
+        {"library_version", snapshot.libraryVersion.empty() ? Json(nullptr) : Json(snapshot.libraryVersion)},
+        {"driver_version", OrNull(snapshot.driverVersion)},
         {"devices", devices},
         {"limited_devices", limited},
         {"processes", ProcessesJson(snapshot)},

@@ -12,6 +12,7 @@
 #include "options.h"
 #include "outcome.h"
 #include "processes_render.h"
+#include "set_command.h"
 #include "text_render.h"
 #include "topo_command.h"
 #include "watch.h"
@@ -43,6 +44,7 @@ int DrawOnce(DkSmlReturn initStatus, const Options& options, bool clearFirst) {
 
 int Run(int argc, char** argv) {
     if (argc > 1 && std::string_view(argv[1]) == "topo") return RunTopo(argc - 1, argv + 1);
+    if (argc > 1 && std::string_view(argv[1]) == "set") return RunSet(argc - 1, argv + 1);
     const ParseResult parsed = ParseOptions(argc, argv);
     if (const int* exitNow = std::get_if<int>(&parsed)) return *exitNow;
     const Options& options = std::get<Options>(parsed);

@@ -28,6 +28,19 @@ struct TemperatureReading {
 
 using ReadingRows = std::vector<std::vector<int32_t>>;
 
+// Current and maximum performance level of one DPM domain of a die.
+struct PerfLevelReading {
+    std::string ip;
+    std::optional<uint32_t> current;
+    std::optional<uint32_t> maximum;
+};
+
+// The version of one firmware unit ("SMP0", "MCU", ...).
+struct FirmwareVersion {
+    std::string unit;
+    std::optional<std::string> version;
+};
+
 struct DieReport {
     uint32_t die = 0;
     std::optional<uint64_t> throttleMask;
@@ -36,6 +49,7 @@ struct DieReport {
     std::optional<int32_t> hottestSensorIndex;
     std::optional<ReadingRows> sensorTableC;
     std::optional<ReadingRows> voltageMonitorRaw;
+    std::optional<std::vector<PerfLevelReading>> perfLevels;
 };
 
 // One slice of a device in slice mode.
@@ -69,6 +83,8 @@ struct ProcessReport {
         for (const ProcessGpuUse& use : gpus) total += use.memory;
         return total;
     }
+};
+
 // PCIe link of a device (the -i view and JSON).
 struct PcieReport {
     std::optional<DkSmlPcieInfo> current;
@@ -106,6 +122,10 @@ struct DeviceReport {
     std::vector<SliceReport> slices;
     PcieReport pcie;
     LinkReport links;
+    std::optional<std::string> driverVersion;
+    std::optional<std::string> vbiosVersion;
+    std::optional<std::string> computeStackVersion;
+    std::vector<FirmwareVersion> firmware;           // die 0
 };
 
 struct LimitedDeviceReport {
@@ -123,6 +143,8 @@ struct Snapshot {
     std::vector<DeviceReport> devices;
     std::vector<LimitedDeviceReport> limitedDevices;
     std::optional<std::vector<ProcessReport>> processes;  // empty: the scan failed
+    std::string libraryVersion;                      // this library's own
+    std::optional<std::string> driverVersion;        // of the first device
 };
 
 }  // namespace dksmi

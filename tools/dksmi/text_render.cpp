@@ -100,6 +100,22 @@ private:
     std::string m_out;
 };
 
+// One "current / maximum" line per DPM domain the die reports.
+void WritePerfLevels(DetailWriter& w, const DieReport& die) {
+    if (!die.perfLevels) return w.Field(2, "Performance levels", kNotAvailable);
+    w.Heading(2, "Performance levels (current / max)");
+    for (const PerfLevelReading& level : *die.perfLevels)
+        w.Field(3, level.ip, fmt::format("{} / {}", OrNa(level.current), OrNa(level.maximum)));
+}
+
+void WriteVersions(DetailWriter& w, const DeviceReport& device) {
+    w.Heading(1, "Versions");
+    w.Field(2, "Driver", OrNa(device.driverVersion));
+    w.Field(2, "VBIOS", OrNa(device.vbiosVersion));
+    w.Field(2, "Compute stack", OrNa(device.computeStackVersion));
+    for (const FirmwareVersion& unit : device.firmware) w.Field(2, "Firmware " + unit.unit, OrNa(unit.version));
+}
+
 void WriteDie(DetailWriter& w, const DieReport& die) {
     w.Heading(1, fmt::format("Die {}", die.die));
     w.Field(2, "Throttle reasons", HexOrNa(die.throttleMask));
@@ -118,6 +134,7 @@ void WriteDie(DetailWriter& w, const DieReport& die) {
     }
     w.Rows(2, "Sensor table (C)", die.sensorTableC);
     w.Rows(2, "Voltage monitor (raw)", die.voltageMonitorRaw);
+    WritePerfLevels(w, die);
 }
 
 void WriteDevice(DetailWriter& w, const DeviceReport& device) {
@@ -138,6 +155,7 @@ void WriteDevice(DetailWriter& w, const DeviceReport& device) {
     w.Field(1, "Slice mode", device.sliceMode ? (*device.sliceMode ? "on" : "off") : kNotAvailable);
     if (!device.slices.empty()) w.Heading(1, "Slices");
     for (const SliceReport& slice : device.slices) w.Field(2, fmt::format("slice {}", slice.id), SliceLine(slice));
+    WriteVersions(w, device);
     for (const DieReport& die : device.dies) WriteDie(w, die);
     for (const auto& [label, value] : PcieAndLinkFields(device)) w.Field(1, label, value);
 }
@@ -154,7 +172,8 @@ void WriteLimitedDevice(DetailWriter& w, const LimitedDeviceReport& d) {
 }  // namespace
 
 std::string RenderSummary(const Snapshot& snapshot) {
-    std::string out;
+    std::string out = fmt::format("Driver Version: {}    DKSML Version: {}\n\n", OrNa(snapshot.driverVersion),
+                                  snapshot.libraryVersion.empty() ? kNotAvailable : snapshot.libraryVersion);
     if (snapshot.devices.empty()) {
         out += "Devices: none usable\n";
     } else {
