@@ -5,6 +5,7 @@
 #include <map>
 
 #include "internal_reader.h"
+#include "power_collect.h"
 
 namespace dksmi {
 namespace {
@@ -124,6 +125,7 @@ DieReport CollectDie(uint32_t index, uint32_t die) {
 
     std::vector<DkSmlVmInfo> voltage;
     if (ReadDieVoltageMonitor(index, die, voltage) == DK_SML_SUCCESS) report.voltageMonitorRaw = ToVoltageRows(voltage);
+    CollectDiePower(index, die, report.power);
     return report;
 }
 
@@ -173,6 +175,7 @@ std::optional<DeviceReport> CollectDevice(uint32_t index) {
     report.throttleMask = ReadValue<uint64_t>(
         [&](uint64_t* mask) { return dkSmlGetCurrentClocksThrottleReason(index, DK_SML_DIE_ALL, mask); });
 
+    CollectDevicePower(index, report.power);
     for (uint32_t die = 0; die < report.dieCount.value_or(0); ++die) report.dies.push_back(CollectDie(index, die));
     return report;
 }

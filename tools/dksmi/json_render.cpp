@@ -3,13 +3,14 @@
 #include <nlohmann/json.hpp>
 
 #include "names.h"
+#include "power_render.h"
 
 namespace dksmi {
 namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr int kSchemaVersion = 1;
+constexpr int kSchemaVersion = 2;
 
 template <typename T>
 Json OrNull(const std::optional<T>& value) {
@@ -27,7 +28,7 @@ Json DieJson(const DieReport& die) {
         temperatures = Json::object();
         for (const TemperatureReading& t : *die.temperatures) temperatures[t.name] = OrNull(t.celsius);
     }
-    return Json{
+    Json out{
         {"die", die.die},
         {"throttle_reasons_mask", OrNull(die.throttleMask)},
         {"clocks_mhz", clocks},
@@ -36,12 +37,14 @@ Json DieJson(const DieReport& die) {
         {"sensor_table_c", OrNull(die.sensorTableC)},
         {"voltage_monitor_raw", OrNull(die.voltageMonitorRaw)},
     };
+    AddDiePowerJson(out, die.power);
+    return out;
 }
 
 Json DeviceJson(const DeviceReport& device) {
     Json dies = Json::array();
     for (const DieReport& die : device.dies) dies.push_back(DieJson(die));
-    return Json{
+    Json out{
         {"index", device.index},
         {"name", device.name},
         {"bus_id", device.busId},
@@ -55,8 +58,10 @@ Json DeviceJson(const DeviceReport& device) {
         {"fan_rpm", OrNull(device.fanRpm)},
         {"fan_duty", OrNull(device.fanDuty)},
         {"throttle_reasons_mask", OrNull(device.throttleMask)},
-        {"dies", dies},
     };
+    AddDevicePowerJson(out, device.power);
+    out["dies"] = dies;
+    return out;
 }
 
 Json LimitedDeviceJson(const LimitedDeviceReport& d) {

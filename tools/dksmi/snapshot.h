@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "dksml.h"
+#include "power_snapshot.h"
 
 namespace dksmi {
 
@@ -36,6 +37,7 @@ struct DieReport {
     std::optional<int32_t> hottestSensorIndex;
     std::optional<ReadingRows> sensorTableC;
     std::optional<ReadingRows> voltageMonitorRaw;
+    DiePowerReport power;
 };
 
 struct DeviceReport {
@@ -52,6 +54,7 @@ struct DeviceReport {
     std::optional<uint32_t> fanRpm;
     std::optional<uint32_t> fanDuty;
     std::optional<uint64_t> throttleMask;            // OR of every die
+    DevicePowerReport power;
     std::vector<DieReport> dies;
 };
 

@@ -8,6 +8,7 @@
 #include <fmt/ranges.h>
 
 #include "names.h"
+#include "power_render.h"
 
 namespace dksmi {
 namespace {
@@ -92,6 +93,15 @@ public:
         for (size_t r = 0; r < rows->size(); ++r)
             Field(depth + 1, fmt::format("row {}", r), fmt::format("{}", fmt::join((*rows)[r], " ")));
     }
+    void Lines(int depth, const std::vector<PowerDetailLine>& lines) {
+        for (const PowerDetailLine& line : lines) {
+            if (line.value) {
+                Field(depth + line.depth, line.label, *line.value);
+            } else {
+                Heading(depth + line.depth, line.label);
+            }
+        }
+    }
     std::string Take() { return std::move(m_out); }
 
 private:
@@ -116,6 +126,7 @@ void WriteDie(DetailWriter& w, const DieReport& die) {
     }
     w.Rows(2, "Sensor table (C)", die.sensorTableC);
     w.Rows(2, "Voltage monitor (raw)", die.voltageMonitorRaw);
+    w.Lines(2, DiePowerDetail(die.power));
 }
 
 void WriteDevice(DetailWriter& w, const DeviceReport& device) {
@@ -132,6 +143,7 @@ void WriteDevice(DetailWriter& w, const DeviceReport& device) {
     w.Field(1, "Fan", device.fanRpm ? fmt::format("{} RPM, duty {}", *device.fanRpm, OrNa(device.fanDuty))
                                     : kNotAvailable);
     w.Field(1, "Throttle reasons", HexOrNa(device.throttleMask));
+    w.Lines(1, DevicePowerDetail(device.power));
     for (const DieReport& die : device.dies) WriteDie(w, die);
 }
 
@@ -152,13 +164,16 @@ std::string RenderSummary(const Snapshot& snapshot) {
         out += "Devices: none usable\n";
     } else {
         std::vector<std::vector<std::string>> rows;
-        for (const DeviceReport& d : snapshot.devices)
+        for (const DeviceReport& d : snapshot.devices) {
             rows.push_back({std::to_string(d.index), d.name, d.busId, OrNa(d.dieCount), RoleText(d),
                             OrNa(d.hotspotC, " C"), FanText(d), OrNa(FirstClock(d, "xcore")),
                             OrNa(FirstClock(d, "soc")), OrNa(FirstClock(d, "mc")), HexOrNa(d.throttleMask)});
-        out += FormatTable({"IDX", "NAME", "BUS ID", "DIES", "ROLE", "HOTSPOT", "FAN", "XCORE MHZ", "SOC MHZ",
-                            "MC MHZ", "THROTTLE"},
-                           rows);
+            for (std::string& cell : PowerSummaryCells(d.power)) rows.back().push_back(std::move(cell));
+        }
+        std::vector<std::string> headers{"IDX", "NAME", "BUS ID", "DIES", "ROLE", "HOTSPOT", "FAN", "XCORE MHZ",
+                                         "SOC MHZ", "MC MHZ", "THROTTLE"};
+        headers.insert(headers.end(), kPowerSummaryHeaders.begin(), kPowerSummaryHeaders.end());
+        out += FormatTable(headers, rows);
     }
     out += "\n" + LimitedSection(snapshot);
     return out;
