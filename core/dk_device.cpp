@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cstdio>
+#include <cstring>
 #include <string_view>
 #include <utility>
 
@@ -16,7 +17,6 @@
 namespace dksml {
 namespace {
 
-constexpr const char* c_chipNameOverridePath = "/opt/smi/etc/chipname";
 constexpr const char* c_cardNameFile = "showcardname";
 constexpr const char* c_topologyFile = "showtopology";
 constexpr std::string_view c_dieIdKey = "die_id";
@@ -24,12 +24,13 @@ constexpr const char* c_vbiosIncompatibleText = "Driver And Vbios Compatibility 
 
 // The library's text rule: copy when the caller's size is larger than the
 // text; the size always becomes the text length plus one.
-DkSmlReturn CopyText(const std::string& text, char* buffer, uint32_t* size) {
+DkSmlReturn CopyText(std::string_view text, char* buffer, uint32_t* size) {
     if (size == nullptr || buffer == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     uint32_t capacity = *size;
     *size = static_cast<uint32_t>(text.size() + 1);
     if (capacity <= text.size()) return DK_SML_ERROR_INSUFFICIENT_SIZE;
-    std::snprintf(buffer, capacity, "%s", text.c_str());
+    std::memcpy(buffer, text.data(), text.size());
+    buffer[text.size()] = '\0';
     return DK_SML_SUCCESS;
 }
 
@@ -77,17 +78,30 @@ void FillReason(DkSmlDeviceUnavailableReasonInfo* info, uint32_t reason, const c
 
 }  // namespace
 
-DkDevice::DkDevice(std::string searchPath) : m_searchPath(std::move(searchPath)) {}
+DkDevice::DkDevice(std::string searchPath, std::shared_ptr<const DkHostRoot> root)
+    : m_root(root ? std::move(root) : CurrentHostRoot()), m_searchPath(std::move(searchPath)) {}
+
+void DkDevice::OpenDirectories() {
+    auto dirs = std::make_shared<DkDeviceDirs>();
+    dirs->root = m_root;
+    dirs->device = m_root->OpenDir(m_deviceDir);
+    dirs->smi0 = m_root->OpenDir(m_deviceDir + "/smi");
+    dirs->smi1 = m_root->OpenDir(m_deviceDir + "/smi1");
+    if (!m_nodePath.empty()) dirs->node = m_root->OpenDir(m_nodePath);
+    m_dirs = std::move(dirs);
+}
+
+std::shared_ptr<const DkDeviceDirs> DkDevice::GetDeviceDirs() const { return m_dirs; }
 
 // ----- paths and identity ----------------------------------------------------
 
 std::string DkDevice::GetSmiPath(unsigned int dieId) const {
-    return HostPath(m_deviceDir) + (dieId == 0 ? "/smi/" : "/smi1/");
+    return m_root->Path(m_deviceDir) + (dieId == 0 ? "/smi/" : "/smi1/");
 }
 
 std::string DkDevice::GetDeviceDir() const { return m_deviceDir; }
 
-std::string DkDevice::GetNodePath() const { return m_nodePath.empty() ? std::string{} : HostPath(m_nodePath); }
+std::string DkDevice::GetNodePath() const { return m_nodePath.empty() ? std::string{} : m_root->Path(m_nodePath); }
 
 // Drivers that publish one layout node per device give both dies its GPU id.
 uint32_t DkDevice::GetDriverGpuId(unsigned int dieId) const {
@@ -164,9 +178,11 @@ DkSmlReturn DkDevice::GetDeviceInfo(DkSmlDeviceInfo* info) const {
 
 DkSmlReturn DkDevice::GetDeviceRealPath(char* path, uint32_t* size) const {
     if (path == nullptr || size == nullptr) return DK_SML_ERROR_INVALID_INPUT;
-    std::string real = RealHostPath(m_deviceDir);
-    if (real.empty()) return DK_SML_ERROR_SYSFS;
-    return CopyText(real, path, size);
+    // One readlinkat of the bus link: sysfs links point at real directories.
+    char real[4096];
+    const std::size_t length = m_root->ResolveLink(m_deviceDir, real, sizeof real);
+    if (length == 0) return DK_SML_ERROR_SYSFS;
+    return CopyText(std::string_view(real, length), path, size);
 }
 
 // ----- virtual functions -----------------------------------------------------
@@ -198,14 +214,19 @@ IDkDevice* DkDevice::GetPfAncestor() const { return m_pfAncestor.lock().get(); }
 
 // ----- dies ------------------------------------------------------------------
 
-void DkDevice::SetDieCount() { m_dieCount = DirectoryOpens(HostPath(m_deviceDir) + "/smi1") ? 2 : 1; }
+void DkDevice::SetDieCount() {
+    if (!m_dirs) OpenDirectories();
+    m_dieCount = m_dirs->smi1.IsOpen() ? 2 : 1;
+}
 uint32_t DkDevice::GetDieCount() const { return m_dieCount; }
 uint32_t DkDevice::GetDieId() const { return m_dieId; }
 
 DkSmlReturn DkDevice::SetDieId() {
     if (IsVf()) return DK_SML_ERROR_NOT_SUPPORTED;
+    if (!m_dirs) OpenDirectories();
     std::string text;
-    if (ReadFileText(GetSmiPath(0) + c_topologyFile, text) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
+    if (!m_dirs->smi0.IsOpen() || ReadFileTextAt(m_dirs->smi0.Get(), c_topologyFile, text) != DK_SML_SUCCESS)
+        return DK_SML_ERROR_SYSFS;
     std::string_view value;
     unsigned int dieId = 0;
     if (!FindValueOfKey(text, c_dieIdKey, value) || !stoui_nt(value, dieId)) return DK_SML_ERROR_SYSFS;
@@ -262,7 +283,7 @@ void DkDevice::SetDeviceBrand() {
 // there. An empty first line counts as no name.
 void DkDevice::SetDeviceName() {
     if (!c_vendorFlag) {
-        m_name = ReadFirstLine(HostPath(c_chipNameOverridePath));
+        m_name = m_root->SiteChipName();
         if (!m_name.empty()) return;
     }
     m_name = ReadFirstLine(GetSmiPath(0) + c_cardNameFile);
@@ -313,6 +334,7 @@ DkSmlReturn DkDevice::GetDieUnavailableReason(unsigned int dieId, DkSmlDeviceUna
 // ----- driver access ---------------------------------------------------------
 
 void DkDevice::SetDriverDataHandler(std::shared_ptr<IDkDriverDataHandler> handler) {
+    OpenDirectories();  // the bus id and node path are known by now
     m_handler = std::move(handler);
     if (m_handler) m_handler->UpdateDeviceProperties(this);
 }

@@ -9,14 +9,17 @@
 #include <string>
 #include <vector>
 
+#include "core/dk_host_root.h"
 #include "core/idk_device.h"
 
 namespace dksml {
 
 class DkDevice final : public IDkDevice {
 public:
-    // `searchPath` is the host path the device directory is built under.
-    explicit DkDevice(std::string searchPath);
+    // `searchPath` is the host path the device directory is built under;
+    // `root` the host root of the discovery that creates the device (the
+    // current one when null).
+    explicit DkDevice(std::string searchPath, std::shared_ptr<const DkHostRoot> root = nullptr);
 
     std::string GetSmiPath(unsigned int dieId) const override;
     std::string GetDeviceDir() const override;
@@ -90,6 +93,7 @@ public:
     uint32_t GetRenderId() const override;
     uint32_t GetCardId() const override;
     uint32_t GetNodeId() const override;
+    std::shared_ptr<const DkDeviceDirs> GetDeviceDirs() const override;
 
     // Driver GPU id of die 1 on a two-die device (die 0 uses SetDeviceGpuId).
     void SetSecondDieGpuId(uint32_t gpuId);
@@ -103,7 +107,11 @@ private:
     void SetDeviceName();
     void ReadIsaVersion();
     void ReadBoardType();
+    // Opens the device, smi and node directories once, relative to the root.
+    void OpenDirectories();
 
+    std::shared_ptr<const DkHostRoot> m_root;
+    std::shared_ptr<const DkDeviceDirs> m_dirs;  // shared with the handler
     std::string m_searchPath;
     std::string m_deviceDir;       // host path: search path + "/" + bus id
     DkSysInfo m_sysInfo;

@@ -18,7 +18,7 @@ constexpr const char* c_nicVendorEnv = "DK_SMI_NIC_VENDOR";
 }  // namespace
 
 uint32_t GetNicEnvVendorId() {
-    const char* value = std::getenv(c_nicVendorEnv);
+    const char* value = secure_getenv(c_nicVendorEnv);
     unsigned int vendorId = 0;
     if (value == nullptr || !stoui_nt(TrimView(value, " \t"), vendorId, 0)) return 0;
     return vendorId;

@@ -45,17 +45,28 @@ void DkSystemManager::InitVendorId() {
 // no GPU function that the library serves; `info` then still carries its ids.
 bool DkSystemManager::GetDkDeviceInfo(const std::string& deviceDir, DkSysInfo& info) const {
     const std::string dir = HostPath(deviceDir);
+    // The vendor decides first: most PCI functions of a host are not GPUs,
+    // and their other id files are never needed.
     info.vendorId = ReadIdFile(dir + "/vendor");
+    const bool oemCandidate = c_vendorFlag && info.vendorId == c_oemVendorId;
+    if (m_state->acceptedVendorIds.count(info.vendorId) == 0 && !oemCandidate) {
+        info.deviceId = c_noDevice;
+        return false;
+    }
     info.deviceId = ReadIdFile(dir + "/device");
-    info.subsystemVendorId = ReadIdFile(dir + "/subsystem_vendor");
-    info.subsystemDeviceId = ReadIdFile(dir + "/subsystem_device");
     bool accepted = m_state->acceptedVendorIds.count(info.vendorId) != 0 ||
-                    (c_vendorFlag && info.vendorId == c_oemVendorId && info.deviceId == c_oemDeviceId);
+                    (oemCandidate && info.deviceId == c_oemDeviceId);
     if (!accepted || info.deviceId == 0) {
         info.deviceId = c_noDevice;
         return false;
     }
-    info.isVf = RealHostPath(deviceDir + "/driver").find(c_vfDriverName) != std::string::npos;
+    info.subsystemVendorId = ReadIdFile(dir + "/subsystem_vendor");
+    info.subsystemDeviceId = ReadIdFile(dir + "/subsystem_device");
+    // The "driver" link names the bound driver in its last component: one
+    // readlinkat, no walk of the whole path.
+    char driver[4096];
+    const std::size_t length = CurrentHostRoot()->ResolveLink(deviceDir + "/driver", driver, sizeof driver);
+    info.isVf = std::string_view(driver, length).find(c_vfDriverName) != std::string_view::npos;
     return true;
 }
 

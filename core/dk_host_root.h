@@ -1,21 +1,106 @@
 // The one place that turns an absolute host path ("/sys/...", "/proc/...",
-// "/dev/...", "/opt/...", "/lib/firmware/...") into the path the library
-// actually touches. On a real machine the root is empty. When DK_SMI_FSROOT
+// "/dev/...", "/opt/...", "/lib/firmware/...") into something the library
+// actually touches. On a real machine the root is "/". When DK_SMI_FSROOT
 // names a directory, the library behaves as if that directory were "/", which
 // lets tests, the command-line tool and users' CI run the real library on a
 // simulated host.
+//
+// The root is a directory descriptor opened once per discovery (DkHostRoot).
+// Devices keep the root they were discovered under together with their own
+// directory descriptors (DkDeviceDirs), so a query never resolves a path from
+// "/" and a device from an older discovery keeps reading its own host.
 #pragma once
 
+#include <cerrno>
+#include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 
 namespace dksml {
 
-// Reads DK_SMI_FSROOT (secure_getenv) once more; called at every initialisation.
+// An owned directory descriptor (O_PATH) and the errno of a failed open, so a
+// reader can tell "absent" from "unopenable" without asking the filesystem again.
+class DkDirFd {
+public:
+    DkDirFd() = default;
+    DkDirFd(int fd, int openErrno) : m_fd(fd), m_errno(openErrno) {}
+    DkDirFd(DkDirFd&& other) noexcept : m_fd(other.m_fd), m_errno(other.m_errno) { other.m_fd = -1; }
+    DkDirFd& operator=(DkDirFd&& other) noexcept;
+    DkDirFd(const DkDirFd&) = delete;
+    DkDirFd& operator=(const DkDirFd&) = delete;
+    ~DkDirFd();
+
+    int Get() const { return m_fd; }
+    bool IsOpen() const { return m_fd >= 0; }
+    int OpenErrno() const { return m_errno; }  // ENOENT when never opened
+
+private:
+    int m_fd = -1;
+    int m_errno = ENOENT;
+};
+
+// One host root: its descriptor and its text. Immutable once made.
+class DkHostRoot {
+public:
+    // The root named by DK_SMI_FSROOT (secure_getenv), or "/" when unset,
+    // empty or not a directory.
+    static std::shared_ptr<const DkHostRoot> FromEnvironment();
+    // The given directory as root ("" or "/" mean the real host).
+    static std::shared_ptr<const DkHostRoot> At(std::string_view directory);
+
+    DkHostRoot(const DkHostRoot&) = delete;
+    DkHostRoot& operator=(const DkHostRoot&) = delete;
+
+    int Fd() const { return m_dir.Get(); }
+    const std::string& Text() const { return m_text; }  // without trailing slash, "" on a real host
+    bool IsSimulated() const { return !m_text.empty(); }
+
+    // Root text + absolute host path, for code that still needs a path string.
+    std::string Path(std::string_view hostPath) const;
+    // An absolute host path as a path relative to Fd() ("." for "/").
+    static std::string Relative(std::string_view hostPath);
+
+    // Directory descriptor of a host path, opened relative to the root.
+    DkDirFd OpenDir(std::string_view hostPath) const;
+    // A host path with its last component resolved by one readlinkat inside
+    // the root and ".." folded lexically: sysfs links point at real
+    // directories, so this equals realpath() there without walking every
+    // component. Writes the host path into `out` (NUL-terminated, no
+    // allocation) and returns its length; 0 when the path is neither a link
+    // nor an existing entry, or the result does not fit.
+    std::size_t ResolveLink(std::string_view hostPath, char* out, std::size_t outSize) const;
+
+    // First line of the site's chip-name override ("/opt/smi/etc/chipname"),
+    // read on first use and kept with the root, so one discovery reads it
+    // once however many devices it names. Empty when absent.
+    const std::string& SiteChipName() const;
+
+private:
+    DkHostRoot(DkDirFd dir, std::string text) : m_dir(std::move(dir)), m_text(std::move(text)) {}
+    DkDirFd m_dir;
+    std::string m_text;
+    mutable std::once_flag m_chipNameOnce;
+    mutable std::string m_chipName;
+};
+
+// Descriptors a device reads through: its root and its own directories.
+struct DkDeviceDirs {
+    std::shared_ptr<const DkHostRoot> root;
+    DkDirFd device;  // the PCI function's directory
+    DkDirFd smi0;    // "smi/"  (die 0)
+    DkDirFd smi1;    // "smi1/" (any other die)
+    DkDirFd node;    // the layout node's directory (not open without one)
+};
+
+// Re-reads DK_SMI_FSROOT and opens the new root; called at every
+// initialisation. Discovery takes CurrentHostRoot() once and hands it to the
+// devices it creates.
 void LoadHostRoot();
+std::shared_ptr<const DkHostRoot> CurrentHostRoot();
 
 // The current root without a trailing slash ("" on a real machine).
-const std::string& HostRoot();
+std::string HostRoot();
 
 // True when a host root is in force (a simulated host).
 bool IsSimulatedHost();

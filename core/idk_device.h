@@ -15,6 +15,7 @@
 namespace dksml {
 
 class IDkDriverDataHandler;
+struct DkDeviceDirs;
 
 // What discovery learns about a GPU before the device object exists.
 struct DkSysInfo {
@@ -110,6 +111,10 @@ public:
     virtual uint32_t GetRenderId() const = 0;
     virtual uint32_t GetCardId() const = 0;
     virtual uint32_t GetNodeId() const = 0;
+
+    // The root and directory descriptors the device was discovered with;
+    // null for devices that keep none (the handler then opens their paths).
+    virtual std::shared_ptr<const DkDeviceDirs> GetDeviceDirs() const { return nullptr; }
 };
 
 }  // namespace dksml

@@ -1,7 +1,11 @@
 // The Linux driver data handler: request number and die -> attribute file.
 #include "driver/dk_driver_data_handler.h"
 
+#include <fcntl.h>
 #include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
 
 #include <charconv>
 #include <cstring>
@@ -28,13 +32,26 @@ void AppendHex8(std::string& out, unsigned long value) {
     out.append(buf, digits);
 }
 
-// Whole text of an existing file: 3 when absent, 4 when it cannot be read.
-// The existence test is only made when the open fails, so the common path
-// costs one open, the reads and one close.
-DkSmlReturn FetchWholeFile(const std::string& path, std::string& text) {
-    const DkSmlReturn ret = ReadFileText(path, text);
-    if (ret == DK_SML_SUCCESS) return ret;
-    return CheckIfFileExist(path) ? DK_SML_ERROR_SYSFS : DK_SML_ERROR_NOT_SUPPORTED;
+// Directory descriptor of a filesystem path (used when the device keeps none).
+DkDirFd OpenPathDir(const std::string& path) {
+    if (path.empty()) return {};
+    const int fd = ::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    return DkDirFd(fd, fd < 0 ? errno : 0);
+}
+
+// Whole text of `name` in an opened directory: 3 when it (or the directory)
+// is absent, 4 when it cannot be read. An empty name addresses the directory
+// itself, which is never readable.
+DkSmlReturn FetchAt(const DkDirFd& dir, const char* name, std::string& text) {
+    if (!dir.IsOpen()) return dir.OpenErrno() == ENOENT || dir.OpenErrno() == ENOTDIR ? DK_SML_ERROR_NOT_SUPPORTED
+                                                                                        : DK_SML_ERROR_SYSFS;
+    return ReadFileTextAt(dir.Get(), name[0] == '\0' ? "." : name, text);
+}
+
+// Scratch text for the node files: reused, so repeated state queries do not allocate.
+std::string& NodeScratch() {
+    thread_local std::string text;
+    return text;
 }
 
 }  // namespace
@@ -49,46 +66,50 @@ std::string DkLinuxDriverDataHandler::GetDriverInterfaceFile(unsigned int dieId,
 }
 
 DkSmlReturn DkLinuxDriverDataHandler::FetchData(unsigned int dieId, dravik_smi_opcode op, std::string& text) {
-    // Hot path: build the path in a stack buffer when it fits (no allocation).
-    const std::string& dir = dieId == 0 ? m_smiPath0 : m_smiPath1;
-    const std::string& name = DkDriverInterfaceManager::GetDriverInterfaceRef(op);
-    char path[512];
-    if (dir.size() + name.size() < sizeof path && dir.find('\0') == std::string::npos) {
-        std::memcpy(path, dir.data(), dir.size());
-        std::memcpy(path + dir.size(), name.data(), name.size());
-        path[dir.size() + name.size()] = '\0';
-        const DkSmlReturn ret = ReadFileText(path, text);
-        if (ret == DK_SML_SUCCESS) return ret;
-        return CheckIfFileExist(path) ? DK_SML_ERROR_SYSFS : DK_SML_ERROR_NOT_SUPPORTED;
-    }
-    return FetchWholeFile(GetDriverInterfaceFile(dieId, op), text);
+    if (!m_dirs) return DK_SML_ERROR_NOT_SUPPORTED;
+    return FetchAt(dieId == 0 ? m_dirs->smi0 : m_dirs->smi1, DkDriverInterfaceManager::GetDriverInterfaceRef(op).c_str(),
+                   text);
 }
 
 DkSmlReturn DkLinuxDriverDataHandler::SetData(unsigned int dieId, dravik_smi_opcode op, const std::string& text) {
-    const std::string path = GetDriverInterfaceFile(dieId, op);
-    if (!CheckIfFileExist(path)) return DK_SML_ERROR_NOT_SUPPORTED;
-    return WriteSysfs(path, text);
+    if (!m_dirs) return DK_SML_ERROR_NOT_SUPPORTED;
+    const DkDirFd& dir = dieId == 0 ? m_dirs->smi0 : m_dirs->smi1;
+    const std::string& name = DkDriverInterfaceManager::GetDriverInterfaceRef(op);
+    if (!dir.IsOpen()) return DK_SML_ERROR_NOT_SUPPORTED;
+    return WriteFileTextAt(dir.Get(), name.empty() ? "." : name.c_str(), text);
 }
 
 DkSmlReturn DkLinuxDriverDataHandler::FetchNodeDataActive(int& active) {
+    if (!m_dirs) return DK_SML_ERROR_SYSFS;
+    std::string& text = NodeScratch();
+    if (FetchAt(m_dirs->node, "active", text) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
+    DkTextLines lines(text);
     int value = 0;
-    const DkSmlReturn ret = ReadSysfs(m_nodePath + "/active", ExtractRawValueStr, value);
+    const DkSmlReturn ret = ReadSysfs(lines, ExtractRawValueStr, value);
     if (ret == DK_SML_SUCCESS) active = value;
     return ret;
 }
 
 DkSmlReturn DkLinuxDriverDataHandler::FetchNodeDataInactiveReason(unsigned int index, std::string& text) {
-    std::string path = m_nodePath + "/inactive_reason";
-    if (index != 0) path += std::to_string(index);
-    return FetchWholeFile(path, text);
+    if (!m_dirs) return DK_SML_ERROR_NOT_SUPPORTED;
+    char name[32] = "inactive_reason";
+    if (index != 0) std::snprintf(name, sizeof name, "inactive_reason%u", index);
+    return FetchAt(m_dirs->node, name, text);
 }
 
 void DkLinuxDriverDataHandler::UpdateDeviceProperties(IDkDevice* device) {
     if (device == nullptr) return;
-    // The device builds these from HostPath already: no root is added here.
+    // The device builds these from its host root already: no root is added here.
     m_smiPath0 = device->GetSmiPath(0);
     m_smiPath1 = device->GetSmiPath(1);
     m_nodePath = device->GetNodePath();
+    m_dirs = device->GetDeviceDirs();
+    if (m_dirs) return;
+    auto dirs = std::make_shared<DkDeviceDirs>();
+    dirs->smi0 = OpenPathDir(m_smiPath0);
+    dirs->smi1 = OpenPathDir(m_smiPath1);
+    dirs->node = OpenPathDir(m_nodePath);
+    m_dirs = std::move(dirs);
 }
 
 DkSmlReturn DkLinuxDriverDataHandler::WriteRegister(unsigned int /*dieId*/, unsigned long address, unsigned int value) {

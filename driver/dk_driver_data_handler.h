@@ -3,8 +3,10 @@
 // or "/smi1/" (any other die) directory.
 #pragma once
 
+#include <memory>
 #include <string>
 
+#include "core/dk_host_root.h"
 #include "dksml.h"
 #include "driver/dk_opcode.h"
 
@@ -44,6 +46,9 @@ public:
     std::string GetDriverInterfaceFile(unsigned int dieId, dravik_smi_opcode op) const;
 
 private:
+    // The device's directory descriptors (or ones opened from the paths it
+    // reports, for devices that keep none): every request is one openat.
+    std::shared_ptr<const DkDeviceDirs> m_dirs;
     std::string m_smiPath0;  // ends in "/smi/"
     std::string m_smiPath1;  // ends in "/smi1/"
     std::string m_nodePath;  // node root + node number

@@ -3,6 +3,8 @@
 
 #include <fcntl.h>
 #include <locale.h>
+#include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -43,7 +45,7 @@ bool CheckIfFileReadable(const std::string& path) { return ::access(path.c_str()
 bool CheckIfFileWritable(const std::string& path) { return ::access(path.c_str(), W_OK) == 0; }
 
 std::string GetEnv(const char* name, std::string_view suffix, std::string_view fallback) {
-    const char* value = name != nullptr ? std::getenv(name) : nullptr;
+    const char* value = name != nullptr ? secure_getenv(name) : nullptr;
     std::string result;
     if (value != nullptr) {
         result.reserve(std::strlen(value) + suffix.size());
@@ -58,45 +60,114 @@ std::string GetEnv(const char* name, std::string_view suffix, std::string_view f
 
 DkSmlReturn ReadFileText(const std::string& path, std::string& text) { return ReadFileText(path.c_str(), text); }
 
-DkSmlReturn ReadFileText(const char* path, std::string& text) {
-    if (path == nullptr) return DK_SML_ERROR_SYSFS;
-    const int fd = ::open(path, O_RDONLY | O_CLOEXEC);
-    if (fd < 0) return DK_SML_ERROR_SYSFS;
-    // sysfs reports a size of 4096 for every attribute, so st_size is useless:
-    // read into a stack buffer and move to a growing heap buffer for large files.
-    char stackBuf[8192];
-    std::string heap;
-    char* buf = stackBuf;
-    std::size_t cap = sizeof stackBuf;
-    std::size_t len = 0;
+namespace {
+
+// The status of a failed open: an absent entry (or a path through a
+// non-directory) is "not supported", anything else "cannot be read".
+DkSmlReturn OpenFailure(int err) {
+    return err == ENOENT || err == ENOTDIR ? DK_SML_ERROR_NOT_SUPPORTED : DK_SML_ERROR_SYSFS;
+}
+
+// Reads an opened descriptor and closes it. Only regular files are read (a
+// FIFO, a character device or a directory answer 4 at once), and never more
+// than c_maxAttributeBytes. sysfs serves an attribute in one read and reports
+// a size of 4096 for every attribute, so st_size is only used to refuse
+// oversized regular files early; a short read ends the file, and a further
+// read is made only when the buffer filled up.
+DkSmlReturn ReadOpenedFile(int fd, std::string& text) {
+    struct stat st {};
+    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) ||
+        static_cast<unsigned long long>(st.st_size) > c_maxAttributeBytes) {
+        ::close(fd);
+        return DK_SML_ERROR_SYSFS;
+    }
+    char first[8192];
+    ssize_t n;
+    do {
+        n = ::read(fd, first, sizeof first);
+    } while (n < 0 && errno == EINTR);
+    if (n < 0) {
+        ::close(fd);
+        return DK_SML_ERROR_SYSFS;
+    }
+    if (static_cast<std::size_t>(n) < sizeof first) {
+        ::close(fd);
+        text.assign(first, static_cast<std::size_t>(n));  // no allocation once `text` has grown
+        return DK_SML_SUCCESS;
+    }
+    // A large file: grow a separate buffer so `text` changes only on success.
+    std::string whole(first, sizeof first);
     for (;;) {
-        if (len == cap) {
-            if (heap.empty()) {
-                heap.resize(cap * 2);
-                std::memcpy(heap.data(), stackBuf, len);
-            } else {
-                heap.resize(cap * 2);
-            }
-            buf = heap.data();
-            cap = heap.size();
-        }
-        const ssize_t n = ::read(fd, buf + len, cap - len);
-        if (n < 0) {
-            if (errno == EINTR) continue;
+        const std::size_t len = whole.size();
+        if (len > c_maxAttributeBytes) {
             ::close(fd);
             return DK_SML_ERROR_SYSFS;
         }
-        if (n == 0) break;
-        len += static_cast<std::size_t>(n);
+        whole.resize(std::min(len * 2, c_maxAttributeBytes + 1));
+        const ssize_t got = ::read(fd, whole.data() + len, whole.size() - len);
+        if (got < 0 && errno == EINTR) {
+            whole.resize(len);
+            continue;
+        }
+        if (got < 0) {
+            ::close(fd);
+            return DK_SML_ERROR_SYSFS;
+        }
+        whole.resize(len + static_cast<std::size_t>(got));
+        if (got == 0) break;
     }
     ::close(fd);
-    if (buf == stackBuf) {
-        text.assign(stackBuf, len);
-    } else {
-        heap.resize(len);
-        text = std::move(heap);
-    }
+    text = std::move(whole);
     return DK_SML_SUCCESS;
+}
+
+// O_NONBLOCK: opening a FIFO must not wait for a writer.
+constexpr int c_readOpenFlags = O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
+
+}  // namespace
+
+DkSmlReturn ReadFileText(const char* path, std::string& text) {
+    if (path == nullptr) return DK_SML_ERROR_SYSFS;
+    const int fd = ::open(path, c_readOpenFlags);
+    if (fd < 0) return DK_SML_ERROR_SYSFS;
+    return ReadOpenedFile(fd, text);
+}
+
+DkSmlReturn WriteFileTextAt(int dirFd, const char* name, std::string_view text) {
+    if (name == nullptr) return DK_SML_ERROR_SYSFS;
+    const int fd = ::openat(dirFd, name, O_WRONLY | O_TRUNC | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (fd < 0) return OpenFailure(errno);
+    // The value and its newline in one write: the driver parses each write on its own.
+    char newline = '\n';
+    iovec parts[2] = {{const_cast<char*>(text.data()), text.size()}, {&newline, 1}};
+    std::size_t left = text.size() + 1;
+    int first = 0;
+    bool ok = true;
+    while (left > 0) {
+        const ssize_t w = ::writev(fd, parts + first, 2 - first);
+        if (w < 0 && errno == EINTR) continue;
+        if (w <= 0) {
+            ok = false;
+            break;
+        }
+        std::size_t done = static_cast<std::size_t>(w);
+        left -= done;
+        while (first < 2 && done >= parts[first].iov_len) done -= parts[first++].iov_len;
+        if (first < 2) {
+            parts[first].iov_base = static_cast<char*>(parts[first].iov_base) + done;
+            parts[first].iov_len -= done;
+        }
+    }
+    if (::close(fd) != 0) ok = false;
+    return ok ? DK_SML_SUCCESS : DK_SML_ERROR_SYSFS_WRITE;
+}
+
+DkSmlReturn ReadFileTextAt(int dirFd, const char* name, std::string& text) {
+    if (name == nullptr) return DK_SML_ERROR_SYSFS;
+    if (dirFd < 0 && dirFd != AT_FDCWD && name[0] != '/') return DK_SML_ERROR_NOT_SUPPORTED;
+    const int fd = ::openat(dirFd, name, c_readOpenFlags);
+    if (fd < 0) return OpenFailure(errno);
+    return ReadOpenedFile(fd, text);
 }
 
 // ---------------------------------------------------------------------------
@@ -215,7 +286,7 @@ ScanStatus NumGetFloat(std::string_view s, std::size_t& pos, float& v) { return 
 ScanStatus NumGetFloat(std::string_view s, std::size_t& pos, double& v) { return NumGetFloatImpl(s, pos, v); }
 
 DkSmlReturn WriteWholeFile(const std::string& path, std::string_view data) {
-    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666);
     if (fd < 0) return DK_SML_ERROR_SYSFS;
     bool ok = true;
     std::size_t off = 0;

@@ -56,10 +56,25 @@ bool CheckIfFileWritable(const std::string& path);
 // The variable's value when set, else `fallback`; `suffix` appended in both cases.
 std::string GetEnv(const char* name, std::string_view suffix, std::string_view fallback);
 
-// Whole file into `text` with one open, reads into a buffer, one close.
-// 4 when it cannot be opened or read; `text` is changed only on success.
+// Largest file the readers accept; a larger one answers 4 instead of being
+// read without end.
+inline constexpr std::size_t c_maxAttributeBytes = std::size_t{1} << 20;
+
+// Whole file into `text` with one open, one read (more only when the first
+// filled its buffer), one close. Only regular files up to c_maxAttributeBytes
+// are read; the open never blocks. 4 when it cannot be opened or read; `text`
+// is changed only on success and reuses its capacity.
 DkSmlReturn ReadFileText(const std::string& path, std::string& text);
 DkSmlReturn ReadFileText(const char* path, std::string& text);
+
+// The same for `name` relative to the directory descriptor `dirFd`, with the
+// open's errno mapped: 3 when the file (or the directory, dirFd < 0) is
+// absent, 4 when it exists but cannot be opened or read.
+DkSmlReturn ReadFileTextAt(int dirFd, const char* name, std::string& text);
+
+// `text` + "\n" written in one write to the existing file `name` relative to
+// `dirFd` (truncated first): 3 absent, 4 unopenable, 5 refused by the driver.
+DkSmlReturn WriteFileTextAt(int dirFd, const char* name, std::string_view text);
 
 // ---------------------------------------------------------------------------
 // Value extractors
@@ -142,6 +157,16 @@ using DkKeyValueList = std::vector<std::pair<std::string, std::vector<int64_t>>>
 using DkKeyValueMap = std::map<std::string, std::vector<int64_t>, std::less<>>;     // by label
 DkSmlReturn ParseKeyValue(std::string_view text, DkKeyValueList& out);
 DkSmlReturn ParseKeyValue(std::string_view text, DkKeyValueMap& out);
+
+// The same walk without building anything, for scalar queries: calls
+// `visit(label, numbers, count)` for every line ParseKeyValue would keep, in
+// file order, with the line's first c_kvVisitMaxNumbers numbers in a stack
+// array (`count` says how many of them were kept). Returns ParseKeyValue's
+// status; lines before a malformed one have been visited already, so callers
+// collect into a local result and commit it only on success.
+inline constexpr std::size_t c_kvVisitMaxNumbers = 32;
+template <typename Visit>
+DkSmlReturn VisitKeyValue(std::string_view text, Visit&& visit);
 
 // ---------------------------------------------------------------------------
 // Writing

@@ -360,4 +360,29 @@ void AddValueForArray(T* values, std::size_t count, T delta) {
     }
 }
 
+template <typename Visit>
+DkSmlReturn VisitKeyValue(std::string_view text, Visit&& visit) {
+    DkTextLines lines(text);
+    std::string_view line;
+    while (lines.Next(line)) {
+        const std::size_t colon = line.find(':');
+        if (colon == std::string_view::npos) return DK_SML_ERROR_SYSFS;
+        const std::string_view label = TrimView(line.substr(0, colon), c_kvTrimSet);
+        if (label.empty()) return DK_SML_ERROR_SYSFS;
+        const std::string_view value = line.substr(colon + 1);
+        if (detail::ContainsNotSupport(value)) continue;
+        int64_t numbers[c_kvVisitMaxNumbers];
+        std::size_t count = 0;
+        std::size_t pos = 0;
+        int64_t number = 0;
+        bool any = false;
+        while (detail::Scan<int64_t>(value, pos, number) == detail::ScanStatus::Ok) {
+            any = true;
+            if (count < c_kvVisitMaxNumbers) numbers[count++] = number;
+        }
+        if (any) visit(label, static_cast<const int64_t*>(numbers), count);
+    }
+    return DK_SML_SUCCESS;
+}
+
 }  // namespace dksml

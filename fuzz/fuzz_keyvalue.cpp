@@ -1,5 +1,7 @@
 // Key/value parsers: ParseKeyValue (list and map), GetKVData/GetData with a
-// buffer of fuzzed size, ExtractTagValue and ParseValueAfterColon.
+// buffer of fuzzed size, ExtractTagValue and ParseValueAfterColon, and the
+// allocation-free VisitKeyValue against ParseKeyValue.
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -26,6 +28,22 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     } else {
         fuzz::Check(list.empty() && map.empty(), "failure leaves the output alone");
     }
+
+    // The allocation-free walk visits exactly the list's entries, in order.
+    std::size_t visited = 0;
+    bool same = true;
+    const DkSmlReturn rv = VisitKeyValue(in.text, [&](std::string_view label, const int64_t* values, std::size_t count) {
+        if (rl != DK_SML_SUCCESS) return;
+        if (visited >= list.size()) {
+            same = false;
+            return;
+        }
+        const auto& [l, v] = list[visited++];
+        same = same && l == label && count == std::min(v.size(), c_kvVisitMaxNumbers) &&
+               std::equal(values, values + count, v.begin());
+    });
+    fuzz::Check(rv == rl, "VisitKeyValue code matches ParseKeyValue");
+    if (rl == DK_SML_SUCCESS) fuzz::Check(same && visited == list.size(), "VisitKeyValue visits the list");
 
     // An exact-size heap buffer so that any overflow is caught.
     const std::size_t bufferSize = in.control;

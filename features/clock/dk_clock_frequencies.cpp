@@ -1,6 +1,7 @@
 // Whole-record clock readings: every IP's frequencies, and the real-clock
 // report with the clock states.
 #include <string>
+#include <string_view>
 
 #include "core/idk_device.h"
 #include "features/clock/dk_clock.h"
@@ -11,29 +12,28 @@ namespace dksml {
 namespace {
 
 // Fills each member from its label; a label the driver did not print leaves
-// the member at count 0. At most DK_SML_CLOCK_MAX_VALUES values are taken, and
-// the count says how many were.
-void FillFrequencies(const DkKeyValueMap& labels, DkSmlClocksFreqForAll& all) {
-    all = DkSmlClocksFreqForAll{};
-    for (const DkClockMember& member : c_clockMembers) {
-        auto line = labels.find(member.clockLabel);
-        if (line == labels.end()) continue;
-        DkSmlClockFreq& slot = all.*member.freq;
-        slot.count = CopyClockValues(line->second, slot.freq, DK_SML_CLOCK_MAX_VALUES);
-    }
-}
-
-// The state lines ("csc status: 1 0 ...") fill the status record exactly as
-// the clock lines fill the frequency record: the count, then up to nine
-// states as the driver prints them. States get no vendor offset.
-void FillStatus(const DkKeyValueMap& labels, DkSmlClockStatusForAll& status) {
-    status = DkSmlClockStatusForAll{};
-    for (const DkClockMember& member : c_clockMembers) {
-        auto line = labels.find(member.statusLabel);
-        if (line == labels.end()) continue;
-        DkSmlClockStatus& slot = status.*member.status;
-        slot.count = CopyClockValues(line->second, slot.status, DK_SML_CLOCK_MAX_VALUES);
-    }
+// the member at count 0, and a label printed twice keeps its last line. At
+// most DK_SML_CLOCK_MAX_VALUES values are taken, and the count says how many
+// were. The state lines ("csc status: 1 0 ...") fill the status record the
+// same way, without the vendor offset. Nothing is allocated: the text is the
+// thread's scratch and the lines are walked in place. 4 when no line holds a
+// number.
+DkSmlReturn ParseClocks(std::string_view text, DkSmlClocksFreqForAll& all, DkSmlClockStatusForAll* status) {
+    bool anyLine = false;
+    DkSmlReturn result = VisitKeyValue(text, [&](std::string_view label, const int64_t* values, std::size_t count) {
+        anyLine = true;
+        for (const DkClockMember& member : c_clockMembers) {
+            if (label == member.clockLabel) {
+                DkSmlClockFreq& slot = all.*member.freq;
+                slot.count = CopyClockValues(values, count, slot.freq, DK_SML_CLOCK_MAX_VALUES);
+            } else if (status != nullptr && label == member.statusLabel) {
+                DkSmlClockStatus& slot = status->*member.status;
+                slot.count = CopyClockValues(values, count, slot.status, DK_SML_CLOCK_MAX_VALUES);
+            }
+        }
+    });
+    if (result != DK_SML_SUCCESS) return result;
+    return anyLine ? DK_SML_SUCCESS : DK_SML_ERROR_SYSFS;
 }
 
 void ApplyVendorOffset(const IDkDevice& device, DkSmlClocksFreqForAll& all) {
@@ -46,12 +46,6 @@ void ApplyVendorOffset(const IDkDevice& device, DkSmlClocksFreqForAll& all) {
     }
 }
 
-DkSmlReturn ReadNonEmptyClockLabels(IDkDevice& device, unsigned int dieId, DkKeyValueMap& labels) {
-    DkSmlReturn result = ReadClockLabels(device, dieId, labels);
-    if (result != DK_SML_SUCCESS) return result;
-    return labels.empty() ? DK_SML_ERROR_SYSFS : DK_SML_SUCCESS;
-}
-
 }  // namespace
 
 DkSmlReturn DkClock::GetClocksFreq(IDkDevice* device, DkSmlClocksFreqForAll* all) {
@@ -62,12 +56,15 @@ DkSmlReturn DkClock::GetDieClocksFreq(IDkDevice* device, unsigned int dieId, DkS
     if (device == nullptr || all == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     if (device->IsVf()) return DK_SML_ERROR_NOT_SUPPORTED;
 
-    DkKeyValueMap labels;
-    DkSmlReturn result = ReadNonEmptyClockLabels(*device, dieId, labels);
+    std::string_view text;
+    DkSmlReturn result = FetchClockText(*device, dieId, text);
     if (result != DK_SML_SUCCESS) return result;
 
-    FillFrequencies(labels, *all);
-    ApplyVendorOffset(*device, *all);
+    DkSmlClocksFreqForAll parsed{};
+    result = ParseClocks(text, parsed, nullptr);
+    if (result != DK_SML_SUCCESS) return result;
+    ApplyVendorOffset(*device, parsed);
+    *all = parsed;
     return DK_SML_SUCCESS;
 }
 
@@ -85,13 +82,17 @@ DkSmlReturn DkClock::GetDieRealClocksFreq(IDkDevice* device, unsigned int dieId,
     DkSmlReturn result = device->SetDriverData(dieId, DRAVIK_SMI_SHOWCLOCKS, std::string(c_realClockSelector));
     if (result != DK_SML_SUCCESS) return result;
 
-    DkKeyValueMap labels;
-    result = ReadNonEmptyClockLabels(*device, dieId, labels);
+    std::string_view text;
+    result = FetchClockText(*device, dieId, text);
     if (result != DK_SML_SUCCESS) return result;
 
-    FillFrequencies(labels, *all);
-    FillStatus(labels, *status);
-    ApplyVendorOffset(*device, *all);
+    DkSmlClocksFreqForAll parsed{};
+    DkSmlClockStatusForAll parsedStatus{};
+    result = ParseClocks(text, parsed, &parsedStatus);
+    if (result != DK_SML_SUCCESS) return result;
+    ApplyVendorOffset(*device, parsed);
+    *all = parsed;
+    *status = parsedStatus;
     return DK_SML_SUCCESS;
 }
 

@@ -28,7 +28,7 @@ DkSmlReturn DkClock::GetDieCurrentClocksThrottleReason(IDkDevice* device, unsign
     if (device == nullptr || mask == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     if (device->IsVf()) return DK_SML_ERROR_NOT_SUPPORTED;
 
-    std::string text;
+    thread_local std::string text;  // reused: no allocation once grown
     DkSmlReturn result = device->FetchDriverData(dieId, DRAVIK_SMI_PMDECSRC, text);
     if (result != DK_SML_SUCCESS) return result;
 

@@ -2,6 +2,7 @@
 // controller, reached through the first die).
 #include <array>
 #include <charconv>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -30,8 +31,8 @@ inline constexpr std::array<DkFanKey, 2> c_fanKeyTable{{
 // Only a text with exactly one speed and one duty line is trusted.
 constexpr int c_fanExpectedKeyCount = 2;
 
-uint32_t FanValueOf(const std::vector<int64_t>& values) {
-    return values.empty() ? 0u : static_cast<uint32_t>(values.front());
+uint32_t FanValueOf(const int64_t* values, std::size_t count) {
+    return count == 0 ? 0u : static_cast<uint32_t>(values[0]);
 }
 
 }  // namespace
@@ -40,22 +41,24 @@ DkSmlReturn DkFan::GetFanSpeedInfo(IDkDevice* device, uint32_t* rpm, uint32_t* p
     if (device == nullptr || rpm == nullptr || pwm == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     if (!PassesTelemetryGate(*device)) return DK_SML_ERROR_NOT_SUPPORTED;
 
-    std::string text;
+    thread_local std::string text;  // reused: no allocation once grown
     DkSmlReturn result = device->FetchDriverData(c_fanControlDie, DRAVIK_SMI_FAN_CTRL, text);
     if (result != DK_SML_SUCCESS) return result;
-    DkKeyValueList keys;
-    result = ParseKeyValue(text, keys);
-    if (result != DK_SML_SUCCESS) return result;
 
+    // Collected first: nothing is written when the text does not parse.
     int matched = 0;
-    for (const auto& [key, values] : keys) {
+    std::optional<uint32_t> found[2];
+    result = VisitKeyValue(text, [&](std::string_view key, const int64_t* values, std::size_t count) {
         for (const DkFanKey& entry : c_fanKeyTable) {
-            if (key.find(entry.name) == std::string::npos) continue;
-            (entry.output == DkFanOutput::Rpm ? *rpm : *pwm) = FanValueOf(values);
+            if (key.find(entry.name) == std::string_view::npos) continue;
+            found[entry.output == DkFanOutput::Rpm ? 0 : 1] = FanValueOf(values, count);
             ++matched;
             break;
         }
-    }
+    });
+    if (result != DK_SML_SUCCESS) return result;
+    if (found[0]) *rpm = *found[0];
+    if (found[1]) *pwm = *found[1];
     return matched == c_fanExpectedKeyCount ? DK_SML_SUCCESS : DK_SML_ERROR_NOT_SUPPORTED;
 }
 

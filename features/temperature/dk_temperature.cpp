@@ -49,25 +49,29 @@ DkSmlReturn DkTemperature::GetDieTemperature(IDkDevice* device, unsigned int die
                                              DkSmlTemperature* temperature) const {
     if (device == nullptr || temperature == nullptr) return DK_SML_ERROR_INVALID_INPUT;
 
-    DkKeyValueList keys;
-    DkSmlReturn result = ReadShowTemp(*device, dieId, keys);
+    std::string_view text;
+    DkSmlReturn result = FetchShowTemp(*device, dieId, text);
     if (result != DK_SML_SUCCESS) return result;
 
     // Only the index of the hottest numbered sensor is reported; a tie keeps
-    // the sensor printed first.
+    // the sensor printed first. Filled on a copy: a text that does not parse
+    // leaves the caller's record as it was.
+    DkSmlTemperature parsed = *temperature;
     std::optional<int32_t> hottest;
-    for (const auto& [key, values] : keys) {
-        const int32_t value = TemperatureOf(values);
-        if (std::size_t marker = key.find(c_numberedSensorMarker); marker != std::string::npos) {
-            if (hottest && value <= *hottest) continue;
+    result = VisitKeyValue(text, [&](std::string_view key, const int64_t* values, std::size_t count) {
+        const int32_t value = TemperatureOf(values, count);
+        if (std::size_t marker = key.find(c_numberedSensorMarker); marker != std::string_view::npos) {
+            if (hottest && value <= *hottest) return;
             std::optional<int32_t> index = NumberedSensorIndex(key, marker);
-            if (!index) continue;
-            temperature->hottestSensorIndex = *index;
+            if (!index) return;
+            parsed.hottestSensorIndex = *index;
             hottest = value;
-            continue;
+            return;
         }
-        if (const DkTemperatureKey* entry = FindKeyEntry(key)) temperature->*entry->field = value;
-    }
+        if (const DkTemperatureKey* entry = FindKeyEntry(key)) parsed.*entry->field = value;
+    });
+    if (result != DK_SML_SUCCESS) return result;
+    *temperature = parsed;
 
     if (temperature->mc0 != m_invalidTemperature && temperature->mc1 != m_invalidTemperature) {
         temperature->memCtrlMax = std::max(temperature->mc0, temperature->mc1);

@@ -24,21 +24,29 @@ DkSmlReturn DkTemperature::GetDieTemperature(IDkDevice* device, unsigned int die
     const DkTemperatureTypeEntry* type = FindSensorType(sensor);
     if (type == nullptr) return DK_SML_ERROR_INVALID_INPUT;
 
-    DkKeyValueList keys;
-    DkSmlReturn result = ReadShowTemp(*device, dieId, keys);
+    std::string_view text;
+    DkSmlReturn result = FetchShowTemp(*device, dieId, text);
     if (result != DK_SML_SUCCESS) return result;
 
     // Names are tried in the selector's order; within a name, the first key
-    // printed wins.
-    for (std::string_view name : type->names) {
-        if (name.empty()) break;
-        for (const auto& [key, values] : keys) {
-            if (key.find(name) == std::string::npos) continue;
-            *value = TemperatureOf(values);
-            return DK_SML_SUCCESS;
+    // printed wins. One pass: a key counts when it matches an earlier name
+    // than the best key so far.
+    std::size_t bestRank = type->names.size();
+    int32_t best = 0;
+    result = VisitKeyValue(text, [&](std::string_view key, const int64_t* values, std::size_t count) {
+        for (std::size_t rank = 0; rank < bestRank; ++rank) {
+            const std::string_view name = type->names[rank];
+            if (name.empty()) break;
+            if (key.find(name) == std::string_view::npos) continue;
+            bestRank = rank;
+            best = TemperatureOf(values, count);
+            break;
         }
-    }
-    return DK_SML_ERROR_NOT_SUPPORTED;
+    });
+    if (result != DK_SML_SUCCESS) return result;
+    if (bestRank == type->names.size()) return DK_SML_ERROR_NOT_SUPPORTED;
+    *value = best;
+    return DK_SML_SUCCESS;
 }
 
 DkSmlReturn DkTemperature::GetTemperature(IDkDevice* device, DkSmlTemperatureSensors sensor, int32_t* value) const {
