@@ -645,6 +645,27 @@ typedef enum DkSmlDpmIp DKSML_ENUM_BASE {
 
 #define DK_SML_DPM_IP_COUNT 15
 
+/*
+ * Power units. PMBus readings are the driver's: voltage in mV, current in mA,
+ * power in W. Board per-way readings are listed in the driver's order
+ * (voltage mV, current mA, power mW). dkSmlGetBoardPowerLimit answers mW on
+ * every model ("capability" is in mW, "config_tbp" in W and scaled by 1000).
+ *
+ * Per-IP power states. "ippowerstate" holds one line per DkSmlDpmIp in enum
+ * order ("xcore: 4095"); the value after the colon of line `ip` is a decimal
+ * mask whose bit i is the state of instance i (1 powered, 0 gated). The number
+ * of instances of every IP on every model is the one table c_ipInstanceTable
+ * (features/power/dk_power_tables.cpp):
+ *
+ *   model       dla xcore mc soc dnoc vpue vpud hbm g2d hbmpwr ccx npu dma csc eth
+ *   DKK6 series   2   12   4   1    1    2    4   4   1      1   4   0   2   1   1
+ *   DKQ9          2    4   2   1    1    2    4   2   1      1   0   1   2   1   0
+ *   DKK2          2    8   4   1    1    2    4   4   1      1   4   0   2   1   0
+ *   others        1    8   2   1    1    1    2   2   1      1   0   0   1   1   0
+ *
+ * An IP with 0 instances answers DK_SML_ERROR_NOT_SUPPORTED; a capacity below
+ * the instance count answers DK_SML_ERROR_INSUFFICIENT_SIZE with the count.
+ */
 /** PMBus readings of a unit from the first die that has it. */
 DKSML_API DkSmlReturn dkSmlGetPmbusInfo(uint32_t deviceIndex, DkSmlPmbusUnit unit, DkSmlPmbusInfo *info);
 /** PMBus readings of a unit on one die. */
@@ -777,6 +798,17 @@ typedef enum DkSmlUsageIp DKSML_ENUM_BASE {
     DK_SML_USAGE_IP_XCORE = 4
 } DkSmlUsageIp;
 
+/*
+ * Memory pools, in KiB, from "showmeminfo" (totals) and "showmemuse" (used):
+ * pool 0 the device memory, pool 1 its CPU-visible part, pool 2 the host
+ * memory the device maps (GTT). A device's pools 0 and 1 are the sums over its
+ * dies; pool 2 is shared by the dies and reported once, as die 0 sees it.
+ *
+ * AP usage table: "deviceinfo" must give both "dpc_count" and "ap_per_dpc",
+ * else DK_SML_ERROR_SYSFS and nothing is filled. The usage array must hold
+ * dpcCount x apCount values (the capacities passed in). Fused-off DPCs and APs
+ * ("ff") are left out, so apCount on return is the number of values stored.
+ */
 #define DK_SML_MEMORY_POOLS 3
 
 /** Total and used size of one memory pool in KiB. */
@@ -1211,13 +1243,14 @@ typedef struct DkSmlExPciInfo {
     uint32_t pciSubSystemId;    /* subsystem id << 16 | subsystem vendor  */
 } DkSmlExPciInfo;
 
-/** Busy percentages over the last sampling period. */
+/** Busy percentages over the last sampling period: gpu is the die's compute-core
+ *  usage (%), memory the used share of its device memory (%). */
 typedef struct DkSmlExUtilization {
     uint32_t gpu;
     uint32_t memory;
 } DkSmlExUtilization;
 
-/** Device memory in bytes. */
+/** Device memory (pool 0) of one die in bytes: free = total - used. */
 typedef struct DkSmlExMemory {
     uint64_t free;
     uint64_t total;
@@ -1333,11 +1366,11 @@ DKSML_API DkSmlExReturn dkSmlExDeviceGetSupportedClocksThrottleReasons(DkSmlExDe
                                                                        uint64_t *reasons);
 /** Throttle reasons in force on the die. */
 DKSML_API DkSmlExReturn dkSmlExDeviceGetCurrentClocksThrottleReasons(DkSmlExDevice device, uint64_t *reasons);
-/** Board power draw in the driver's power unit (sum of the PMBus rails). */
+/** Power draw of the die in W: the sum of its PMBus rail powers. */
 DKSML_API DkSmlExReturn dkSmlExGetPowerUsage(DkSmlExDevice device, uint32_t *power);
-/** Board power limit. */
+/** Board power limit in mW. */
 DKSML_API DkSmlExReturn dkSmlExGetPowerManagementLimit(DkSmlExDevice device, uint32_t *limit);
-/** Board power limit in force. */
+/** Board power limit in force, in mW (the library sets none of its own). */
 DKSML_API DkSmlExReturn dkSmlExDeviceGetEnforcedPowerLimit(DkSmlExDevice device, uint32_t *limit);
 /** Compute and memory busy percentages. */
 DKSML_API DkSmlExReturn dkSmlExDeviceGetUtilization(DkSmlExDevice device, DkSmlExUtilization *utilization);

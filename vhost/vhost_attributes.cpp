@@ -183,7 +183,8 @@ std::string BoardPower(const DieContext& c) {
            "\npower: " + std::to_string(12 * amps) + " " + std::to_string(12 * (amps + 300)) + "\n";
 }
 
-std::string Capability(const DieContext& c) { return Line("power cap", 300 + 50 * Vary(c, 3)); }
+// In milliwatts, the unit the library reports for every model.
+std::string Capability(const DieContext& c) { return Line("power cap", 300000 + 50000 * Vary(c, 3)); }
 
 std::string ConfigTbp(const DieContext& c) {
     const int limit = 450 + 25 * Vary(c, 4);
@@ -207,8 +208,10 @@ std::string IpPowerState(const DieContext& c) {
 
 std::string Usage(const DieContext& c) {
     const int load = 10 * Vary(c, 8);
-    return Row("dla use", load, 3, 2) + Row("vpue use", load / 2, 4, 2) + Row("vpud use", load / 3, 5, 4) +
-           "g2d use: 0 -1\n";
+    // A negative sample ends an engine's valid samples: the vpud value after
+    // it is stale and must not count.
+    return Row("dla use", load, 3, 2) + Row("vpue use", load / 2, 4, 2) + "vpud use: " + std::to_string(30 + load) +
+           " " + std::to_string(50 + load) + " -1 99\n" + "g2d use: 0 -1\n";
 }
 
 std::string XcoreUsage(const DieContext& c) {
@@ -216,11 +219,13 @@ std::string XcoreUsage(const DieContext& c) {
     const unsigned load = 16 + 9 * static_cast<unsigned>(Vary(c, 8));
     std::string text = "xcore usage: " + Hex(load) + "\n";
     for (unsigned dpc = 0; dpc < family.dpcCount; ++dpc) {
-        // The last DPC of die 1 is fused off on harvested parts.
+        // The last DPC of die 1 is fused off on harvested parts, and so is
+        // the first AP of its first DPC.
         const bool harvested = c.die == 1 && dpc + 1 == family.dpcCount;
         text += "dpc" + std::to_string(dpc) + ":";
         for (unsigned ap = 0; ap < family.apPerDpc; ++ap) {
-            text += " " + (harvested ? std::string("ff") : Hex((load + dpc * 5 + ap * 3) % 100));
+            const bool fusedOff = harvested || (c.die == 1 && dpc == 0 && ap == 0);
+            text += " " + (fusedOff ? std::string("ff") : Hex((load + dpc * 5 + ap * 3) % 100));
         }
         text += "\n";
     }

@@ -8,6 +8,7 @@
 
 #include "internal_reader.h"
 #include "processes_collect.h"
+#include "power_collect.h"
 
 namespace dksmi {
 namespace {
@@ -128,6 +129,7 @@ DieReport CollectDie(uint32_t index, uint32_t die) {
     std::vector<DkSmlVmInfo> voltage;
     if (ReadDieVoltageMonitor(index, die, voltage) == DK_SML_SUCCESS) report.voltageMonitorRaw = ToVoltageRows(voltage);
     report.perfLevels = CollectPerfLevels(index, die);
+    CollectDiePower(index, die, report.power);
     return report;
 }
 
@@ -177,6 +179,7 @@ std::optional<DeviceReport> CollectDevice(uint32_t index) {
     report.throttleMask = ReadValue<uint64_t>(
         [&](uint64_t* mask) { return dkSmlGetCurrentClocksThrottleReason(index, DK_SML_DIE_ALL, mask); });
 
+    CollectDevicePower(index, report.power);
     for (uint32_t die = 0; die < report.dieCount.value_or(0); ++die) report.dies.push_back(CollectDie(index, die));
     CollectPcieAndLinks(index, report);
     CollectDeviceVersions(report);

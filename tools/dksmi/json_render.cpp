@@ -5,13 +5,14 @@
 #include "names.h"
 #include "processes_render.h"
 #include "topo_render.h"
+#include "power_render.h"
 
 namespace dksmi {
 namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr int kSchemaVersion = 1;
+constexpr int kSchemaVersion = 2;
 
 template <typename T>
 Json OrNull(const std::optional<T>& value) {
@@ -46,7 +47,7 @@ Json DieJson(const DieReport& die) {
         temperatures = Json::object();
         for (const TemperatureReading& t : *die.temperatures) temperatures[t.name] = OrNull(t.celsius);
     }
-    return Json{
+    Json out{
         {"die", die.die},
         {"throttle_reasons_mask", OrNull(die.throttleMask)},
         {"clocks_mhz", clocks},
@@ -56,12 +57,14 @@ Json DieJson(const DieReport& die) {
         {"voltage_monitor_raw", OrNull(die.voltageMonitorRaw)},
         {"performance_levels", PerfLevelsJson(die)},
     };
+    AddDiePowerJson(out, die.power);
+    return out;
 }
 
 Json DeviceJson(const DeviceReport& device) {
     Json dies = Json::array();
     for (const DieReport& die : device.dies) dies.push_back(DieJson(die));
-    return Json{
+    Json out{
         {"index", device.index},
         {"name", device.name},
         {"bus_id", device.busId},
@@ -76,13 +79,15 @@ Json DeviceJson(const DeviceReport& device) {
         {"fan_duty", OrNull(device.fanDuty)},
         {"throttle_reasons_mask", OrNull(device.throttleMask)},
         {"versions", VersionsJson(device)},
-        {"dies", dies},
         {"process_count", OrNull(device.processCount)},
         {"slice_mode", OrNull(device.sliceMode)},
         {"slices", SlicesJson(device)},
         {"pcie", PcieJson(device.pcie)},
         {"interconnect", LinksJson(device.links)},
     };
+    AddDevicePowerJson(out, device.power);
+    out["dies"] = dies;
+    return out;
 }
 
 Json LimitedDeviceJson(const LimitedDeviceReport& d) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "dksml.h"
+#include "power_snapshot.h"
 
 namespace dksmi {
 
@@ -50,6 +51,7 @@ struct DieReport {
     std::optional<ReadingRows> sensorTableC;
     std::optional<ReadingRows> voltageMonitorRaw;
     std::optional<std::vector<PerfLevelReading>> perfLevels;
+    DiePowerReport power;
 };
 
 // One slice of a device in slice mode.
@@ -116,6 +118,7 @@ struct DeviceReport {
     std::optional<uint32_t> fanRpm;
     std::optional<uint32_t> fanDuty;
     std::optional<uint64_t> throttleMask;            // OR of every die
+    DevicePowerReport power;
     std::vector<DieReport> dies;
     std::optional<uint32_t> processCount;            // processes with memory on this device
     std::optional<bool> sliceMode;                   // empty: the device has no slice mode

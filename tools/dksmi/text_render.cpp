@@ -10,6 +10,7 @@
 #include "names.h"
 #include "processes_render.h"
 #include "topo_render.h"
+#include "power_render.h"
 
 namespace dksmi {
 namespace {
@@ -94,6 +95,15 @@ public:
         for (size_t r = 0; r < rows->size(); ++r)
             Field(depth + 1, fmt::format("row {}", r), fmt::format("{}", fmt::join((*rows)[r], " ")));
     }
+    void Lines(int depth, const std::vector<PowerDetailLine>& lines) {
+        for (const PowerDetailLine& line : lines) {
+            if (line.value) {
+                Field(depth + line.depth, line.label, *line.value);
+            } else {
+                Heading(depth + line.depth, line.label);
+            }
+        }
+    }
     std::string Take() { return std::move(m_out); }
 
 private:
@@ -135,6 +145,7 @@ void WriteDie(DetailWriter& w, const DieReport& die) {
     w.Rows(2, "Sensor table (C)", die.sensorTableC);
     w.Rows(2, "Voltage monitor (raw)", die.voltageMonitorRaw);
     WritePerfLevels(w, die);
+    w.Lines(2, DiePowerDetail(die.power));
 }
 
 void WriteDevice(DetailWriter& w, const DeviceReport& device) {
@@ -156,6 +167,7 @@ void WriteDevice(DetailWriter& w, const DeviceReport& device) {
     if (!device.slices.empty()) w.Heading(1, "Slices");
     for (const SliceReport& slice : device.slices) w.Field(2, fmt::format("slice {}", slice.id), SliceLine(slice));
     WriteVersions(w, device);
+    w.Lines(1, DevicePowerDetail(device.power));
     for (const DieReport& die : device.dies) WriteDie(w, die);
     for (const auto& [label, value] : PcieAndLinkFields(device)) w.Field(1, label, value);
 }
@@ -178,14 +190,17 @@ std::string RenderSummary(const Snapshot& snapshot) {
         out += "Devices: none usable\n";
     } else {
         std::vector<std::vector<std::string>> rows;
-        for (const DeviceReport& d : snapshot.devices)
+        for (const DeviceReport& d : snapshot.devices) {
             rows.push_back({std::to_string(d.index), d.name, d.busId, OrNa(d.dieCount), RoleText(d),
                             OrNa(d.hotspotC, " C"), FanText(d), OrNa(FirstClock(d, "xcore")),
                             OrNa(FirstClock(d, "soc")), OrNa(FirstClock(d, "mc")), HexOrNa(d.throttleMask),
                             OrNa(d.processCount)});
-        out += FormatTable({"IDX", "NAME", "BUS ID", "DIES", "ROLE", "HOTSPOT", "FAN", "XCORE MHZ", "SOC MHZ",
-                            "MC MHZ", "THROTTLE", "PROCS"},
-                           rows);
+            for (std::string& cell : PowerSummaryCells(d.power)) rows.back().push_back(std::move(cell));
+        }
+        std::vector<std::string> headers{"IDX", "NAME", "BUS ID", "DIES", "ROLE", "HOTSPOT", "FAN", "XCORE MHZ",
+                                         "SOC MHZ", "MC MHZ", "THROTTLE", "PROCS"};
+        headers.insert(headers.end(), kPowerSummaryHeaders.begin(), kPowerSummaryHeaders.end());
+        out += FormatTable(headers, rows);
     }
     out += "\n" + LimitedSection(snapshot);
     return out;
