@@ -129,7 +129,7 @@ DKSML_API DkSmlExReturn dkSmlExDeviceGetTopologyCommonAncestor(DkSmlExDevice dev
             const DkSmlReturn result = dkSmlGetDeviceTopology(d1->GetDeviceId(), d2->GetDeviceId(), &level);
             if (result != DK_SML_SUCCESS) return DK_SML_EX_ERROR_UNKNOWN;
             if (level == DK_SML_TOPOLOGY_SAME_DEVICE) {
-                if (&die1 != &die2) return DK_SML_EX_ERROR_NOT_SUPPORTED;
+                if (die1.handle != die2.handle) return DK_SML_EX_ERROR_NOT_SUPPORTED;
                 *pathInfo = DK_SML_EX_TOPOLOGY_INTERNAL;
                 return DK_SML_EX_SUCCESS;
             }

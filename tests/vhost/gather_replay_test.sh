@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Gathers every shipped virtual host as a directory and as a .tar.gz, replays
 # both, and requires dksmi's JSON and tables to be byte for byte the same as on
-# the original tree (fields named "timestamp..." aside).
+# the original tree (fields named "timestamp..." aside, and the compute-stack
+# version: a snapshot carries no runtime libraries to load).
 set -euo pipefail
 dkvhost=$1 dksmi=$2 profiles=$3
 work=$(mktemp -d)
@@ -9,7 +10,7 @@ trap 'rm -rf "$work"' EXIT
 
 show() {  # ROOT OUT: dksmi's JSON and text views of ROOT, exit codes included
   local root=$1 out=$2
-  { DK_SMI_FSROOT=$root "$dksmi" --json || echo "exit $?"; } 2>&1 | grep -v '"timestamp' >"$out.json"
+  { DK_SMI_FSROOT=$root "$dksmi" --json || echo "exit $?"; } 2>&1 | grep -v -e '"timestamp' -e '"compute_stack"' >"$out.json"
   { DK_SMI_FSROOT=$root "$dksmi" || echo "exit $?"; } >"$out.txt" 2>&1
 }
 
