@@ -57,6 +57,9 @@ TEST_F(DksmiSet, RefusalsAndBadValues) {
         {"set -i 4242 --max-perf-level xcore=1", geteuid() == 0 ? 5 : 7, ""},
         // DKK2 has eight compute levels: the library refuses level 8.
         {"set -i " + index + " --max-perf-level xcore=8", 7, ""},
+        {"set -i " + index + " --pci-delay 0", 2, "not in range"},
+        // PCI delay is a brand-1 setting: the library refuses it on this board.
+        {"set -i " + index + " --pci-delay 100", geteuid() == 0 ? 1 : 7, geteuid() == 0 ? "PCI delay" : ""},
     };
     for (const Case& c : cases) {
         const RunResult run = RunDksmi(c.arguments);

@@ -1,5 +1,7 @@
 #include "set_command.h"
 
+#include "set_pcie.h"
+
 #include <unistd.h>
 
 #include <array>
@@ -117,6 +119,8 @@ int RunSet(int argc, char** argv) {
     std::vector<std::vector<std::string>> values(std::size(kSetRows));
     for (size_t r = 0; r < std::size(kSetRows); ++r)
         app.add_option(kSetRows[r].option, values[r], kSetRows[r].help)->type_name(kSetRows[r].typeName);
+    PcieSettings pcie;
+    AddPcieSetOptions(app, pcie);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -136,7 +140,8 @@ int RunSet(int argc, char** argv) {
             requests.emplace_back(&kSetRows[r], *parsed);
         }
     }
-    if (requests.empty()) {
+    const bool pcieRequested = pcie.delay || pcie.generation;
+    if (requests.empty() && !pcieRequested) {
         fmt::print(stderr, "dksmi set: nothing to set; see dksmi set --help\n");
         return kExitUsage;
     }
@@ -162,6 +167,10 @@ int RunSet(int argc, char** argv) {
                        StatusText(change.status), static_cast<int>(change.status));
             exitCode = kExitRefused;
         }
+    }
+    if (pcieRequested) {
+        const int pcieExit = ApplyPcieSettings(index, pcie);
+        if (pcieExit != kExitOk) exitCode = pcieExit;
     }
     return exitCode;
 }
