@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "dksml.h"
@@ -55,6 +56,10 @@ struct FamilyRow {
 
 // Every family, in the order the page shows them.
 std::span<const FamilyRow> ExporterFamilies();
+
+// Metrics whose series come and go with the value itself (a throttle reason
+// in force, a running process); their absence is no failed read.
+bool AbsenceIsAValue(std::string_view metricName);
 
 // The GPU's labels plus `die`.
 LabelList DieLabels(const GpuTarget& gpu, uint32_t die);

@@ -15,7 +15,17 @@ constexpr std::array c_exporterFamilies{
     FamilyRow{"limited_devices", CollectLimitedDevices},
 };
 
+constexpr std::array<std::string_view, 1> c_metricsAbsentByValue{
+    "dksml_clock_throttle_reason_active",
+};
+
 }  // namespace
+
+bool AbsenceIsAValue(std::string_view metricName) {
+    for (std::string_view name : c_metricsAbsentByValue)
+        if (name == metricName) return true;
+    return false;
+}
 
 std::span<const FamilyRow> ExporterFamilies() { return c_exporterFamilies; }
 

@@ -33,6 +33,7 @@ public:
     // has a sample: prometheus-cpp drops empty families).
     prometheus::MetricFamily& Family(const MetricSpec& spec);
 
+    const std::vector<prometheus::MetricFamily>& Families() const { return m_families; }
     std::vector<prometheus::MetricFamily> Take() { return std::move(m_families); }
     size_t SampleCount() const { return m_samples; }
 

@@ -51,6 +51,24 @@ std::vector<GpuTarget> DiscoverTargets(FamilyErrors& errors) {
     return gpus;
 }
 
+std::string LabelValue(const prometheus::ClientMetric& metric, const char* name) {
+    for (const prometheus::ClientMetric::Label& label : metric.label)
+        if (label.name == name) return label.value;
+    return "";
+}
+
+std::string PresenceKey(const char* family, const std::string& metricName, const prometheus::ClientMetric& metric) {
+    return std::string(family) + "|" + LabelValue(metric, "bus_id") + "|" + LabelValue(metric, "die") + "|" +
+           metricName;
+}
+
+// Parts of a presence key: family and bus id.
+std::pair<std::string, std::string> FamilyAndBusId(const std::string& key) {
+    const size_t first = key.find('|');
+    const size_t second = key.find('|', first + 1);
+    return {key.substr(0, first), key.substr(first + 1, second - first - 1)};
+}
+
 // One scrape's hand-off between the scrape thread and its worker.
 struct CollectionJob {
     std::mutex lock;
@@ -93,6 +111,7 @@ CollectionResult CollectAll(const ScrapeSettings& settings) {
     const ScrapeContext context{gpus, settings.perProcess};
     for (const FamilyRow& row : ExporterFamilies()) {
         FamilyErrors errors;
+        const size_t firstFamily = sink.Families().size();
         try {
             row.collect(context, sink, errors);
         } catch (...) {
@@ -100,7 +119,11 @@ CollectionResult CollectAll(const ScrapeSettings& settings) {
             errors.Count();
         }
         result.errors[row.family] = errors.Total();
+        for (size_t f = firstFamily; f < sink.Families().size(); ++f)
+            for (const prometheus::ClientMetric& metric : sink.Families()[f].metric)
+                if (!AbsenceIsAValue(sink.Families()[f].name)) result.present.insert(PresenceKey(row.family, sink.Families()[f].name, metric));
     }
+    for (const GpuTarget& gpu : gpus) result.busIds.insert(gpu.info.bdfId);
     result.families = sink.Take();
     return result;
 }
@@ -136,6 +159,7 @@ std::vector<prometheus::MetricFamily> ScrapeCollector::Collect() const {
                 m_errorsTotal[family] += count;
                 success = success && count == 0;
             }
+            success = CountVanished(job->result) == 0 && success;
         } else {
             ++m_errorsTotal[kTimeoutFamily];
         }
@@ -148,6 +172,28 @@ std::vector<prometheus::MetricFamily> ScrapeCollector::Collect() const {
     families.push_back(prometheus::MetricFamily{kUp.name, kUp.help, kUp.type, {}});
     families.back().metric.emplace_back().gauge.value = up ? 1 : 0;
     return families;
+}
+
+uint32_t ScrapeCollector::CountVanished(const CollectionResult& result) const {
+    if (m_expectedDiscovery != m_session->DiscoveryCount()) {
+        m_expected.clear();
+        m_expectedDiscovery = m_session->DiscoveryCount();
+    }
+    uint32_t vanished = 0;
+    for (auto it = m_expected.begin(); it != m_expected.end();) {
+        const auto [family, busId] = FamilyAndBusId(*it);
+        if (!result.busIds.contains(busId) && family != "limited_devices") {
+            it = m_expected.erase(it);  // the GPU itself is gone: nothing to expect
+            continue;
+        }
+        if (!result.present.contains(*it)) {
+            ++m_errorsTotal[family];
+            ++vanished;
+        }
+        ++it;
+    }
+    m_expected.insert(result.present.begin(), result.present.end());
+    return vanished;
 }
 
 void ScrapeCollector::AddHealth(std::vector<prometheus::MetricFamily>& families, double seconds,

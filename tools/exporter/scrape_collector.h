@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,10 @@ struct ScrapeSettings {
 struct CollectionResult {
     std::vector<prometheus::MetricFamily> families;
     std::map<std::string, uint32_t> errors;  // family -> errors in this collection
+    // "family|bus_id|die|metric" of every series group this collection
+    // served, and the bus ids of the GPUs it saw.
+    std::set<std::string> present;
+    std::set<std::string> busIds;
 };
 
 // Discovers the GPUs of the current device list and runs every family row.
@@ -41,12 +46,20 @@ public:
     std::vector<prometheus::MetricFamily> Collect() const override;
 
 private:
+    // Counts the expected series groups that are missing; returns their number.
+    uint32_t CountVanished(const CollectionResult& result) const;
     void AddHealth(std::vector<prometheus::MetricFamily>& families, double seconds, bool success) const;
 
     std::shared_ptr<LibrarySession> m_session;
     ScrapeSettings m_settings;
     mutable std::mutex m_errorsLock;
     mutable std::map<std::string, uint64_t> m_errorsTotal;  // counters live as long as the process
+    // The library answers "not supported" for an attribute file that is
+    // missing, which is right for a model without it but hides a file that
+    // went away. What a GPU once served is expected from it until the next
+    // discovery; a scrape that lacks it counts an error for its family.
+    mutable std::set<std::string> m_expected;
+    mutable uint64_t m_expectedDiscovery = 0;
 };
 
 }  // namespace dksml::exporter
