@@ -7,6 +7,7 @@ packages=(
   cmake ninja-build g++ pkg-config binutils
   libgtest-dev libgmock-dev libbenchmark-dev
   nlohmann-json3-dev libcli11-dev libfmt-dev
+  prometheus-cpp-dev prometheus
 )
 [[ "${DKSML_WITH_FUZZ:-0}" == 1 ]] && packages+=(clang libclang-rt-14-dev)
 
