@@ -2,9 +2,11 @@
 // sensor table), the voltage monitor and the fan.
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <vector>
 
 #include "../dksmi/internal_reader.h"
+#include "die_readers.h"
 #include "families.h"
 
 namespace dksml::exporter {
@@ -56,7 +58,10 @@ void AddRows(MetricSink& sink, const MetricSpec& spec, const LabelList& dieLabel
                      rows[r][s]);
 }
 
-void CollectDieTemperatures(const GpuTarget& gpu, uint32_t die, MetricSink& sink, FamilyErrors& errors) {
+// Returns the die's hot spot when it has one.
+std::optional<int32_t> CollectDieTemperatures(const GpuTarget& gpu, uint32_t die, MetricSink& sink,
+                                              FamilyErrors& errors) {
+    std::optional<int32_t> hotspot;
     const LabelList labels = DieLabels(gpu, die);
     DkSmlTemperature record{};
     if (errors.Ok(dksmi::ReadDieTemperatureRecord(gpu.index, die, record))) {
@@ -64,6 +69,7 @@ void CollectDieTemperatures(const GpuTarget& gpu, uint32_t die, MetricSink& sink
             const int32_t value = record.*field.member;
             if (IsReading(value)) sink.Add(kTemperature, WithLabels(labels, {{"sensor", field.sensor}}), value);
         }
+        if (IsReading(record.hotspot)) hotspot = record.hotspot;
         if (IsReading(record.hotLimit)) sink.Add(kTemperatureLimit, labels, record.hotLimit);
         if (IsReading(record.hottestSensorIndex)) sink.Add(kHottestSensor, labels, record.hottestSensorIndex);
     }
@@ -77,28 +83,37 @@ void CollectDieTemperatures(const GpuTarget& gpu, uint32_t die, MetricSink& sink
         }
         AddRows(sink, kSensorTable, labels, rows);
     }
+    return hotspot;
 }
 
 }  // namespace
 
 void CollectTemperatures(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors) {
     for (const GpuTarget& gpu : context.gpus) {
-        int32_t hotspot = 0;
-        if (errors.Ok(dkSmlGetTemperatureInfo(gpu.index, DK_SML_TEMPERATURE_HOTSPOT, &hotspot)) && IsReading(hotspot))
-            sink.Add(kGpuHotspot, gpu.labels, hotspot);
-        for (uint32_t die = 0; die < gpu.dieCount; ++die) CollectDieTemperatures(gpu, die, sink, errors);
+        // The GPU's hot spot is its hottest die's, as the library defines it;
+        // taken from the records already read instead of reading them twice.
+        std::optional<int32_t> hottest;
+        bool everyDie = true;
+        for (uint32_t die = 0; die < gpu.dieCount; ++die) {
+            const std::optional<int32_t> hotspot = CollectDieTemperatures(gpu, die, sink, errors);
+            everyDie = everyDie && hotspot.has_value();
+            if (hotspot) hottest = std::max(hottest.value_or(*hotspot), *hotspot);
+        }
+        if (everyDie && hottest) sink.Add(kGpuHotspot, gpu.labels, *hottest);
     }
 }
 
 void CollectVoltageMonitor(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors) {
     for (const GpuTarget& gpu : context.gpus) {
         for (uint32_t die = 0; die < gpu.dieCount; ++die) {
-            std::vector<DkSmlVmInfo> entries;
-            if (!errors.Ok(dksmi::ReadDieVoltageMonitor(gpu.index, die, entries))) continue;
+            VoltageMonitorRows monitor;
+            if (!errors.Ok(ReadVoltageMonitor(gpu.index, die, monitor))) continue;
             std::vector<std::vector<int32_t>> rows;
-            for (const DkSmlVmInfo& entry : entries)
+            for (uint32_t r = 0; r < monitor.count; ++r) {
+                const DkSmlVmInfo& entry = monitor.rows[r];
                 rows.emplace_back(entry.readings,
                                   entry.readings + std::clamp<int32_t>(entry.count, 0, DK_SML_VM_READINGS));
+            }
             AddRows(sink, kVoltageMonitor, DieLabels(gpu, die), rows);
         }
     }
