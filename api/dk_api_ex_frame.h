@@ -1,10 +1,12 @@
-// The frame of the compatibility family. A handle is the address of one of
-// the system manager's die records; it is only dereferenced after the
-// manager confirmed it is one of them, so a forged handle answers 2 without
-// being touched. Native failures are not passed on: any non-zero native
-// status becomes 999.
+// The frame of the compatibility family. A handle is not an address: it
+// carries the discovery pass number and the key of one of the system
+// manager's die records, so a forged handle or one from a replaced pass
+// answers 2 without anything being dereferenced, and can never name another
+// device. Native failures are not passed on: any non-zero native status
+// becomes 999.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "core/dk_service_manager.h"
@@ -13,8 +15,9 @@
 
 namespace dksml {
 
-inline DkDieInfo* ToDie(DkSmlExDevice handle) { return reinterpret_cast<DkDieInfo*>(handle); }
-inline DkSmlExDevice ToHandle(DkDieInfo* die) { return reinterpret_cast<DkSmlExDevice>(die); }
+inline DkSmlExDevice ToHandle(const DkDieInfo* die) {
+    return reinterpret_cast<DkSmlExDevice>(static_cast<uintptr_t>(die->handle));
+}
 
 inline DkSmlExReturn ExFromNative(DkSmlReturn code) {
     return code == DK_SML_SUCCESS ? DK_SML_EX_SUCCESS : DK_SML_EX_ERROR_UNKNOWN;
@@ -36,14 +39,17 @@ inline DkSmlExReturn ExGuard(Body&& body) noexcept {
     }
 }
 
-// Runs `body(DkDieInfo&, IDkDevice*)` for a valid handle; 2 otherwise.
+// Runs `body(DkDieInfo&, IDkDevice*)` for a handle of the current discovery
+// state, held for the whole call; 2 otherwise. The body gets its own copy of
+// the record.
 template <typename Body>
 inline DkSmlExReturn WithHandle(DkSmlExDevice handle, Body&& body) noexcept {
     return ExGuard([&] {
-        DkDieInfo* die = ToDie(handle);
-        if (!DkSystemManager::GetInstance().CheckDeviceHandle(die) || !die->device)
-            return DK_SML_EX_ERROR_INVALID_ARGUMENT;
-        return body(*die, die->device.get());
+        DkSystemManager::Hold hold;
+        const DkDieInfo* record = DkSystemManager::GetInstance().FindDieByHandle(handle);
+        if (record == nullptr || !record->device) return DK_SML_EX_ERROR_INVALID_ARGUMENT;
+        DkDieInfo die = *record;
+        return body(die, die.device.get());
     });
 }
 

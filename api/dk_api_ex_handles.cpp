@@ -10,7 +10,7 @@ namespace {
 
 // Die 0 of the device with this index, as a handle; 2 when there is none.
 DkSmlExReturn HandleOfDevice(uint32_t deviceIndex, DkSmlExDevice* device) {
-    DkDieInfo* die = DkSystemManager::GetInstance().GetDieBySmlId(deviceIndex);
+    const DkDieInfo* die = DkSystemManager::GetInstance().GetDieBySmlId(deviceIndex);
     if (die == nullptr) return DK_SML_EX_ERROR_INVALID_ARGUMENT;
     *device = ToHandle(die);
     return DK_SML_EX_SUCCESS;
@@ -46,7 +46,8 @@ DKSML_API DkSmlExReturn dkSmlExVornDeviceGetCount(uint32_t* deviceCount) { retur
 DKSML_API DkSmlExReturn dkSmlExGetDeviceHandleByIndex(uint32_t index, DkSmlExDevice* device) {
     if (device == nullptr) return DK_SML_EX_ERROR_INVALID_ARGUMENT;
     return ExGuard([&] {
-        DkDieInfo* die = DkSystemManager::GetInstance().GetDieByVornId(index);
+        DkSystemManager::Hold hold;
+        const DkDieInfo* die = DkSystemManager::GetInstance().GetDieByVornId(index);
         if (die == nullptr) return DK_SML_EX_ERROR_INVALID_ARGUMENT;
         *device = ToHandle(die);
         return DK_SML_EX_SUCCESS;
@@ -56,6 +57,7 @@ DKSML_API DkSmlExReturn dkSmlExGetDeviceHandleByIndex(uint32_t index, DkSmlExDev
 DKSML_API DkSmlExReturn dkSmlExDeviceGetHandleByUUID(const char* uuid, DkSmlExDevice* device) {
     if (uuid == nullptr || device == nullptr) return DK_SML_EX_ERROR_INVALID_ARGUMENT;
     return ExGuard([&] {
+        DkSystemManager::Hold hold;  // the index found and its handle come from one state
         uint32_t deviceIndex = 0;
         if (!DkSystemManager::GetInstance().GetDeviceIdByUuid(uuid, deviceIndex))
             return DK_SML_EX_ERROR_INVALID_ARGUMENT;
@@ -69,6 +71,7 @@ DKSML_API DkSmlExReturn dkSmlExGetDeviceHandleByPciBusId(const char* pciBusId, D
     return ExGuard([&] {
         const std::string bdf = GetStandardBdfId(pciBusId);
         if (bdf.empty()) return DK_SML_EX_ERROR_INVALID_ARGUMENT;
+        DkSystemManager::Hold hold;  // the index found and its handle come from one state
         uint32_t deviceIndex = 0;
         if (!DkSystemManager::GetInstance().GetDeviceIdByBdf(bdf, deviceIndex)) return DK_SML_EX_ERROR_INVALID_ARGUMENT;
         return HandleOfDevice(deviceIndex, device);

@@ -107,7 +107,8 @@ DKSML_API DkSmlExReturn dkSmlExDeviceGetCpuAffinity(DkSmlExDevice device, uint32
     if (cpuSet == nullptr || cpuSetSize == 0) return DK_SML_EX_ERROR_INVALID_ARGUMENT;
     return WithHandle(device, [&](DkDieInfo&, IDkDevice* d) {
         if (d->IsPf()) return DK_SML_EX_ERROR_NOT_SUPPORTED;
-        return ExFromNative(dkSmlGetCpuAffinity(d->GetDeviceId(), cpuSetSize, cpuSet));
+        const DkSmlReturn result = dkSmlGetCpuAffinity(d->GetDeviceId(), cpuSetSize, cpuSet);
+        return result == DK_SML_SUCCESS ? DK_SML_EX_SUCCESS : DK_SML_EX_ERROR_UNKNOWN;
     });
 }
 
@@ -115,7 +116,7 @@ DKSML_API DkSmlExReturn dkSmlExDeviceSetCpuAffinity(DkSmlExDevice device) {
     return WithHandle(device, [&](DkDieInfo&, IDkDevice* d) {
         const DkSmlReturn result = dkSmlSetCpuAffinity(d->GetDeviceId());
         if (result == DK_SML_ERROR_DEVICE_NOT_AVAILABLE) return DK_SML_EX_ERROR_INVALID_ARGUMENT;
-        return ExFromNative(result);
+        return result == DK_SML_SUCCESS ? DK_SML_EX_SUCCESS : DK_SML_EX_ERROR_UNKNOWN;
     });
 }
 

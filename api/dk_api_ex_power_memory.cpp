@@ -1,4 +1,6 @@
 // Compatibility power, utilisation and memory queries.
+#include <cstdint>
+
 #include "api/dk_api_ex_frame.h"
 #include "dksml.h"
 #include "features/power/dk_power.h"
@@ -19,10 +21,16 @@ DkSmlExReturn BoardPowerLimit(IDkDevice* device, uint32_t* limit) {
     });
 }
 
-// Percentage of `part` in `whole`, 0 for an empty whole.
+// Percentage of `part` in `whole`, 0 for an empty whole; a driver that
+// reports more used than total reads as 100.
 uint32_t Percent(uint64_t part, uint64_t whole) {
-    return whole == 0 ? 0 : static_cast<uint32_t>(part * 100 / whole);
+    if (whole == 0) return 0;
+    if (part >= whole) return 100;
+    return static_cast<uint32_t>(static_cast<long double>(part) * 100 / static_cast<long double>(whole));
 }
+
+// KiB to bytes, saturating instead of wrapping on a hostile driver value.
+uint64_t KibToBytes(uint64_t kib) { return kib > (UINT64_MAX >> 10) ? UINT64_MAX : kib << 10; }
 
 }  // namespace
 
@@ -34,7 +42,7 @@ DKSML_API DkSmlExReturn dkSmlExGetPowerUsage(DkSmlExDevice device, uint32_t* pow
     if (power == nullptr) return DK_SML_EX_ERROR_INVALID_ARGUMENT;
     return WithHandle(device, [&](DkDieInfo& die, IDkDevice* d) {
         return WithExService(&DkServiceManager::GetDkPower, [&](DkPower& service) {
-            uint32_t sum = 0;
+            uint64_t sum = 0;
             bool anyRail = false;
             for (DkSmlPmbusUnit rail : c_pmbusRails) {
                 DkSmlPmbusInfo info{};
@@ -45,7 +53,7 @@ DKSML_API DkSmlExReturn dkSmlExGetPowerUsage(DkSmlExDevice device, uint32_t* pow
                 anyRail = true;
             }
             if (!anyRail) return DK_SML_EX_ERROR_NOT_SUPPORTED;
-            *power = sum;
+            *power = sum > UINT32_MAX ? UINT32_MAX : static_cast<uint32_t>(sum);
             return DK_SML_EX_SUCCESS;
         });
     });
@@ -69,10 +77,10 @@ DKSML_API DkSmlExReturn dkSmlExDeviceGetUtilization(DkSmlExDevice device, DkSmlE
         return WithExService(&DkServiceManager::GetDkUtilization, [&](DkUtilization& service) {
             int32_t usage = 0;
             DkSmlReturn result = service.GetDieUsage(d, die.dieIndex, DK_SML_USAGE_IP_XCORE, &usage);
-            if (result != DK_SML_SUCCESS) return ExFromNative(result);
+            if (result != DK_SML_SUCCESS) return ExFromNativeKeepNotSupported(result);
             DkSmlMemoryInfo memory{};
             result = service.GetDieMemoryInfo(d, die.dieIndex, &memory);
-            if (result != DK_SML_SUCCESS) return ExFromNative(result);
+            if (result != DK_SML_SUCCESS) return ExFromNativeKeepNotSupported(result);
             utilization->gpu = usage < 0 ? 0 : static_cast<uint32_t>(usage);
             utilization->memory = Percent(memory.pool[0].used, memory.pool[0].total);
             return DK_SML_EX_SUCCESS;
@@ -88,11 +96,11 @@ DKSML_API DkSmlExReturn dkSmlExDeviceGetMemoryInfo(DkSmlExDevice device, DkSmlEx
             DkSmlMemoryInfo info{};
             const DkSmlReturn result = service.GetDieMemoryInfo(d, die.dieIndex, &info);
             if (result != DK_SML_SUCCESS) return ExFromNativeKeepNotSupported(result);
-            const uint64_t total = info.pool[0].total << 10;
-            const uint64_t used = info.pool[0].used << 10;
+            const uint64_t total = KibToBytes(info.pool[0].total);
+            const uint64_t used = KibToBytes(info.pool[0].used);
             memory->total = total;
             memory->used = used;
-            memory->free = total - used;
+            memory->free = total >= used ? total - used : 0;
             return DK_SML_EX_SUCCESS;
         });
     });

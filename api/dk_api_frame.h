@@ -19,10 +19,13 @@ inline bool AnyNull(const P*... pointers) {
 }
 
 // Runs `body(IDkDevice*)` for a known device index; 6 otherwise. Any escaping
-// exception becomes 1: nothing may unwind into a C caller.
+// exception becomes 1: nothing may unwind into a C caller. The discovery
+// state is held for the whole call, so a rediscovery meanwhile frees nothing
+// the body uses, and every lookup the body makes answers from the same state.
 template <typename Body>
 inline DkSmlReturn WithDevice(uint32_t deviceIndex, Body&& body) noexcept {
     try {
+        DkSystemManager::Hold hold;
         std::shared_ptr<IDkDevice> device = DkSystemManager::GetInstance().GetDeviceById(deviceIndex);
         if (!device) return DK_SML_ERROR_DEVICE_NOT_AVAILABLE;
         return std::forward<Body>(body)(device.get());

@@ -1,18 +1,17 @@
 // Library lifecycle, operating mode and device counts.
 #include "api/dk_api_frame.h"
-#include "core/dk_host_root.h"
 #include "dksml.h"
 
 using namespace dksml;
 
 namespace {
 
-// Every initialisation re-reads the host root (so a tool or test may point
-// DK_SMI_FSROOT elsewhere between calls), recreates every feature service,
-// then lets the system manager decide whether discovery runs again.
+// Safe from any number of threads at once. The services are created by the
+// first call only; the system manager then decides whether discovery runs
+// again (flag 1 forces it), and a pass that runs reads the host root afresh
+// (so a tool or test may point DK_SMI_FSROOT elsewhere between passes).
 DkSmlReturn Initialize(uint32_t flags) noexcept {
     try {
-        LoadHostRoot();
         DkServiceManager::GetInstance().Initialize();
         return DkSystemManager::GetInstance().Initialize(g_dkDeviceSearchPath, nullptr, flags);
     } catch (DkSmlReturn code) {

@@ -25,10 +25,12 @@ inline DkSmlReturn CallDieService(uint32_t deviceIndex, uint32_t dieId, Getter g
 }
 
 // Runs `body(DkSystemManager&)` for exports that answer from the manager's
-// own tables; any escaping exception becomes 1.
+// own tables, with one discovery state held for the whole call; any escaping
+// exception becomes 1.
 template <typename Body>
 inline DkSmlReturn WithManager(Body&& body) noexcept {
     try {
+        DkSystemManager::Hold hold;
         return body(DkSystemManager::GetInstance());
     } catch (DkSmlReturn code) {
         return code;

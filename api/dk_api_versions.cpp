@@ -1,7 +1,9 @@
 // Version exports: device, die and compute-stack versions.
 #include "api/dk_api_service_call.h"
+#include "core/dk_host_root.h"
 #include "dksml.h"
 #include "features/version/dk_version.h"
+#include "features/version/dk_version_text.h"
 
 using namespace dksml;
 
@@ -38,7 +40,7 @@ DKSML_API DkSmlReturn dkSmlGetDeviceVersion(uint32_t deviceIndex, DkSmlVersionUn
         DkSmlLimitedDeviceInfo limited{};
         DkSmlReturn result = manager.GetLimitedDeviceInfo(deviceIndex, &limited);
         if (result != DK_SML_SUCCESS) return result;
-        const std::string smiPath = g_dkDeviceSearchPath + "/" + limited.bdfId + "/smi/";
+        const std::string smiPath = HostPath(g_dkDeviceSearchPath + "/" + limited.bdfId + "/smi/");
         return WithVersionService([&](DkVersion& s) { return s.GetBiosVersion(smiPath, version, size); });
     });
 }
@@ -51,13 +53,23 @@ DKSML_API DkSmlReturn dkSmlGetDeviceDieVersion(uint32_t deviceIndex, uint32_t di
 
 DKSML_API DkSmlReturn dkSmlGetVornVersion(char* version, uint32_t* size) {
     if (AnyNull(version, size)) return DK_SML_ERROR_INVALID_INPUT;
-    return WithVersionService([&](DkVersion& s) { return s.GetVornVersion(version, *size); });
+    // Asked into a full-size text first so that a short buffer learns the
+    // size it needs.
+    return WithVersionService([&](DkVersion& s) {
+        char text[DK_SML_VERSION_LENGTH];
+        const DkSmlReturn result = s.GetVornVersion(text, sizeof text);
+        if (result != DK_SML_SUCCESS) {
+            PutText(c_unknown, version, *size);
+            return result;
+        }
+        return CopyVersionValue(text, version, size);
+    });
 }
 
 DKSML_API DkSmlReturn dkSmlGetPptableVersion(uint32_t deviceIndex, char* version, uint32_t* size) {
     if (AnyNull(version, size)) return DK_SML_ERROR_INVALID_INPUT;
     return CallService(deviceIndex, c_version,
-                       [&](DkVersion& s, IDkDevice* d) { return s.GetPptableVersion(d, version, *size); });
+                       [&](DkVersion& s, IDkDevice* d) { return s.GetDiePptableVersionText(d, 0, version, size); });
 }
 
 }  // extern "C"

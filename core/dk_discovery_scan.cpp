@@ -78,7 +78,7 @@ void DkSystemManager::ScanPciEntry(const std::string& searchPath, const std::str
 
 void DkSystemManager::CreateDevice(const std::string& searchPath, const DkSysInfo& info) {
     State& s = *m_state;
-    std::shared_ptr<IDkDevice> device = s.deviceFactory->CreateNewDevice(searchPath);
+    std::shared_ptr<IDkDevice> device = m_deviceFactory->CreateNewDevice(searchPath);
     if (!device) return;
     uint32_t index = AssignDeviceIdForNewDevice(info.isVf);
     device->SetDeviceId(index);

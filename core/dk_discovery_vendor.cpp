@@ -48,15 +48,16 @@ bool DkSystemManager::GetDkDeviceInfo(const std::string& deviceDir, DkSysInfo& i
     // The vendor decides first: most PCI functions of a host are not GPUs,
     // and their other id files are never needed.
     info.vendorId = ReadIdFile(dir + "/vendor");
+    // Also asked for limited devices by readers: the held state, not the pass's.
+    const auto& accepted = ReadState().acceptedVendorIds;
     const bool oemCandidate = c_vendorFlag && info.vendorId == c_oemVendorId;
-    if (m_state->acceptedVendorIds.count(info.vendorId) == 0 && !oemCandidate) {
+    if (accepted.count(info.vendorId) == 0 && !oemCandidate) {
         info.deviceId = c_noDevice;
         return false;
     }
     info.deviceId = ReadIdFile(dir + "/device");
-    bool accepted = m_state->acceptedVendorIds.count(info.vendorId) != 0 ||
-                    (oemCandidate && info.deviceId == c_oemDeviceId);
-    if (!accepted || info.deviceId == 0) {
+    const bool served = accepted.count(info.vendorId) != 0 || (oemCandidate && info.deviceId == c_oemDeviceId);
+    if (!served || info.deviceId == 0) {
         info.deviceId = c_noDevice;
         return false;
     }

@@ -16,7 +16,7 @@ namespace dksml {
 // vendor offset on their clock readings.
 inline constexpr uint32_t c_makerVendorId = 0x1e27;
 // The second vendor id the maker's boards ship with (licensed partner boards).
-inline constexpr uint32_t c_makerPartnerVendorId = 0x1e3b;
+inline constexpr uint32_t c_makerPartnerVendorId = 0x1e28;
 // OEM builds accept exactly one alternative vendor/device pair instead.
 inline constexpr uint32_t c_oemVendorId = 0x1bd4;
 inline constexpr uint32_t c_oemDeviceId = 0x0731;

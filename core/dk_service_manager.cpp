@@ -47,9 +47,13 @@ DkServiceManager& DkServiceManager::GetInstance() {
 DkServiceManager::DkServiceManager() = default;
 DkServiceManager::~DkServiceManager() = default;
 
-// Every call creates each service anew, in a fixed order; callers still
-// holding an older service keep it alive until they drop it.
+// Getters read the pointers without a lock: they are written once, before
+// m_ready is set, and never again.
 void DkServiceManager::Initialize() {
+    std::call_once(m_created, [this] { CreateServices(); });
+}
+
+void DkServiceManager::CreateServices() {
     m_temperature = std::make_shared<DkTemperature>();
     m_voltageMonitor = std::make_shared<DkVoltageMonitor>();
     m_ras = std::make_shared<DkRas>();
@@ -71,8 +75,7 @@ void DkServiceManager::Initialize() {
     m_hbm = std::make_shared<DkHbm>();
     m_ecc = std::make_shared<DkEcc>();
     m_deviceOperation = std::make_shared<DkDeviceOperation>();
-    // A fresh MMIO checker replaces the previous one and moves into the new
-    // firmware-update service.
+    // The MMIO checker moves into the firmware-update service.
     m_vbiosCheckMmio = std::make_unique<DkVbiosCheckMmio>();
     m_deviceUpdate = std::make_shared<DkDeviceUpdate>(std::move(m_vbiosCheckMmio));
     m_deviceForceFlash = std::make_shared<DkDeviceForceFlash>();
@@ -87,41 +90,42 @@ void DkServiceManager::Initialize() {
     m_cxl = std::make_shared<DkCxl>();
     m_harvest = std::make_shared<DkHarvest>();
     m_vpu = std::make_shared<DkVpu>();
+    m_ready.store(true, std::memory_order_release);
 }
 
-std::shared_ptr<DkTemperature> DkServiceManager::GetDkTemperature() const { return m_temperature; }
-std::shared_ptr<DkVoltageMonitor> DkServiceManager::GetDkVoltageMonitor() const { return m_voltageMonitor; }
-std::shared_ptr<DkRas> DkServiceManager::GetDkRas() const { return m_ras; }
-std::shared_ptr<DkPower> DkServiceManager::GetDkPower() const { return m_power; }
-std::shared_ptr<DkPowerInternal> DkServiceManager::GetDkPowerInternal() const { return m_powerInternal; }
-std::shared_ptr<DkClock> DkServiceManager::GetDkClock() const { return m_clock; }
-std::shared_ptr<DkVersion> DkServiceManager::GetDkVersion() const { return m_version; }
-std::shared_ptr<DkUtilization> DkServiceManager::GetDkUtilization() const { return m_utilization; }
-std::shared_ptr<DkUtilizationInternal> DkServiceManager::GetDkUtilInternal() const { return m_utilizationInternal; }
-std::shared_ptr<DkPcie> DkServiceManager::GetDkPcie() const { return m_pcie; }
-std::shared_ptr<DkDravLink> DkServiceManager::GetDkDravLink() const { return m_dravLink; }
-std::shared_ptr<DkDidt> DkServiceManager::GetDkDidt() const { return m_didt; }
-std::shared_ptr<DkDpm> DkServiceManager::GetDkDpm() const { return m_dpm; }
-std::shared_ptr<DkLog> DkServiceManager::GetDkLog() const { return m_log; }
-std::shared_ptr<DkPptable> DkServiceManager::GetDkPptable() const { return m_pptable; }
-std::shared_ptr<DkFuse> DkServiceManager::GetDkFuse() const { return m_fuse; }
-std::shared_ptr<DkEeprom> DkServiceManager::GetDkEeprom() const { return m_eeprom; }
-std::shared_ptr<DkMemoryController> DkServiceManager::GetDkMemoryController() const { return m_memoryController; }
-std::shared_ptr<DkHbm> DkServiceManager::GetDkHbm() const { return m_hbm; }
-std::shared_ptr<DkEcc> DkServiceManager::GetDkEcc() const { return m_ecc; }
-std::shared_ptr<DkDeviceOperation> DkServiceManager::GetDkDeviceOperation() const { return m_deviceOperation; }
-std::shared_ptr<DkDeviceUpdate> DkServiceManager::GetDkDeviceUpdate() const { return m_deviceUpdate; }
-std::shared_ptr<DkDeviceForceFlash> DkServiceManager::GetDkDeviceForceFlash() const { return m_deviceForceFlash; }
-std::shared_ptr<DkDeviceReset> DkServiceManager::GetDkDeviceReset() const { return m_deviceReset; }
-std::shared_ptr<DkRegister> DkServiceManager::GetDkRegister() const { return m_register; }
-std::shared_ptr<DkOpticalModule> DkServiceManager::GetDkOpticalModule() const { return m_opticalModule; }
-std::shared_ptr<DkSdma> DkServiceManager::GetDkSdma() const { return m_sdma; }
-std::shared_ptr<DkSliceGpu> DkServiceManager::GetDkSliceGpu() const { return m_sliceGpu; }
-std::shared_ptr<DkEvent> DkServiceManager::GetDkEvent() const { return m_event; }
-std::shared_ptr<DkFan> DkServiceManager::GetDkFan() const { return m_fan; }
-std::shared_ptr<DkEth> DkServiceManager::GetDkEth() const { return m_eth; }
-std::shared_ptr<DkCxl> DkServiceManager::GetDkCxl() const { return m_cxl; }
-std::shared_ptr<DkHarvest> DkServiceManager::GetDkHarvest() const { return m_harvest; }
-std::shared_ptr<DkVpu> DkServiceManager::GetDkVpu() const { return m_vpu; }
+std::shared_ptr<DkTemperature> DkServiceManager::GetDkTemperature() const { return Ready() ? m_temperature : nullptr; }
+std::shared_ptr<DkVoltageMonitor> DkServiceManager::GetDkVoltageMonitor() const { return Ready() ? m_voltageMonitor : nullptr; }
+std::shared_ptr<DkRas> DkServiceManager::GetDkRas() const { return Ready() ? m_ras : nullptr; }
+std::shared_ptr<DkPower> DkServiceManager::GetDkPower() const { return Ready() ? m_power : nullptr; }
+std::shared_ptr<DkPowerInternal> DkServiceManager::GetDkPowerInternal() const { return Ready() ? m_powerInternal : nullptr; }
+std::shared_ptr<DkClock> DkServiceManager::GetDkClock() const { return Ready() ? m_clock : nullptr; }
+std::shared_ptr<DkVersion> DkServiceManager::GetDkVersion() const { return Ready() ? m_version : nullptr; }
+std::shared_ptr<DkUtilization> DkServiceManager::GetDkUtilization() const { return Ready() ? m_utilization : nullptr; }
+std::shared_ptr<DkUtilizationInternal> DkServiceManager::GetDkUtilInternal() const { return Ready() ? m_utilizationInternal : nullptr; }
+std::shared_ptr<DkPcie> DkServiceManager::GetDkPcie() const { return Ready() ? m_pcie : nullptr; }
+std::shared_ptr<DkDravLink> DkServiceManager::GetDkDravLink() const { return Ready() ? m_dravLink : nullptr; }
+std::shared_ptr<DkDidt> DkServiceManager::GetDkDidt() const { return Ready() ? m_didt : nullptr; }
+std::shared_ptr<DkDpm> DkServiceManager::GetDkDpm() const { return Ready() ? m_dpm : nullptr; }
+std::shared_ptr<DkLog> DkServiceManager::GetDkLog() const { return Ready() ? m_log : nullptr; }
+std::shared_ptr<DkPptable> DkServiceManager::GetDkPptable() const { return Ready() ? m_pptable : nullptr; }
+std::shared_ptr<DkFuse> DkServiceManager::GetDkFuse() const { return Ready() ? m_fuse : nullptr; }
+std::shared_ptr<DkEeprom> DkServiceManager::GetDkEeprom() const { return Ready() ? m_eeprom : nullptr; }
+std::shared_ptr<DkMemoryController> DkServiceManager::GetDkMemoryController() const { return Ready() ? m_memoryController : nullptr; }
+std::shared_ptr<DkHbm> DkServiceManager::GetDkHbm() const { return Ready() ? m_hbm : nullptr; }
+std::shared_ptr<DkEcc> DkServiceManager::GetDkEcc() const { return Ready() ? m_ecc : nullptr; }
+std::shared_ptr<DkDeviceOperation> DkServiceManager::GetDkDeviceOperation() const { return Ready() ? m_deviceOperation : nullptr; }
+std::shared_ptr<DkDeviceUpdate> DkServiceManager::GetDkDeviceUpdate() const { return Ready() ? m_deviceUpdate : nullptr; }
+std::shared_ptr<DkDeviceForceFlash> DkServiceManager::GetDkDeviceForceFlash() const { return Ready() ? m_deviceForceFlash : nullptr; }
+std::shared_ptr<DkDeviceReset> DkServiceManager::GetDkDeviceReset() const { return Ready() ? m_deviceReset : nullptr; }
+std::shared_ptr<DkRegister> DkServiceManager::GetDkRegister() const { return Ready() ? m_register : nullptr; }
+std::shared_ptr<DkOpticalModule> DkServiceManager::GetDkOpticalModule() const { return Ready() ? m_opticalModule : nullptr; }
+std::shared_ptr<DkSdma> DkServiceManager::GetDkSdma() const { return Ready() ? m_sdma : nullptr; }
+std::shared_ptr<DkSliceGpu> DkServiceManager::GetDkSliceGpu() const { return Ready() ? m_sliceGpu : nullptr; }
+std::shared_ptr<DkEvent> DkServiceManager::GetDkEvent() const { return Ready() ? m_event : nullptr; }
+std::shared_ptr<DkFan> DkServiceManager::GetDkFan() const { return Ready() ? m_fan : nullptr; }
+std::shared_ptr<DkEth> DkServiceManager::GetDkEth() const { return Ready() ? m_eth : nullptr; }
+std::shared_ptr<DkCxl> DkServiceManager::GetDkCxl() const { return Ready() ? m_cxl : nullptr; }
+std::shared_ptr<DkHarvest> DkServiceManager::GetDkHarvest() const { return Ready() ? m_harvest : nullptr; }
+std::shared_ptr<DkVpu> DkServiceManager::GetDkVpu() const { return Ready() ? m_vpu : nullptr; }
 
 }  // namespace dksml

@@ -1,9 +1,12 @@
-// Registry of the feature services: one instance of each, recreated by every
-// Initialize() (every dkSmlInit). Getters hand out shared pointers so that a
-// caller keeps its service alive across a re-initialisation.
+// Registry of the feature services: one instance of each per process,
+// created by the first Initialize() (the first dkSmlInit) and never replaced,
+// so that any number of threads may initialise and query at once. Services
+// hold no discovery results: each call is given the device it works on.
 #pragma once
 
+#include <atomic>
 #include <memory>
+#include <mutex>
 
 namespace dksml {
 
@@ -91,6 +94,11 @@ protected:
     virtual ~DkServiceManager();
 
 private:
+    void CreateServices();
+    bool Ready() const { return m_ready.load(std::memory_order_acquire); }
+
+    std::once_flag m_created;
+    std::atomic<bool> m_ready{false};  // a query racing the first dkSmlInit sees no service, not a torn one
     std::shared_ptr<DkTemperature> m_temperature;
     std::shared_ptr<DkVoltageMonitor> m_voltageMonitor;
     std::shared_ptr<DkRas> m_ras;

@@ -13,6 +13,8 @@ namespace dksml {
 
 uid_t DkSysUtils::GetEuid() { return geteuid(); }
 
+uid_t DkSysUtils::GetUid() { return getuid(); }
+
 int DkSysUtils::System(const char* command) { return std::system(command); }
 
 int DkSysUtils::PthreadSetaffinityNp(unsigned long thread, unsigned long cpuSetSize,

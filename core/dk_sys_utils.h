@@ -11,6 +11,7 @@ class DkSysUtils {
 public:
     virtual ~DkSysUtils() = default;
     virtual uid_t GetEuid();
+    virtual uid_t GetUid();
     virtual int System(const char* command);
     virtual int PthreadSetaffinityNp(unsigned long thread, unsigned long cpuSetSize,
                                      const cpu_set_t* cpuSet);

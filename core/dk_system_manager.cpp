@@ -5,9 +5,13 @@
 #include <exception>
 #include <utility>
 
+#include "core/dk_device_factory.h"
 #include "core/dk_host_root.h"
 #include "core/dk_system_manager_state.h"
 #include "driver/dk_text.h"
+#include "features/process/dk_process_threshold.h"
+#include "features/process/idk_process_management.h"
+#include "features/topology/dk_topology.h"
 
 namespace dksml {
 
@@ -29,30 +33,92 @@ std::string FirstExisting(const char* const (&candidates)[2]) {
 
 }  // namespace
 
+thread_local const DkSystemManager::State* DkSystemManager::t_heldState = nullptr;
+
 DkSystemManager& DkSystemManager::GetInstance() {
     static DkSystemManager instance;
     return instance;
 }
 
-DkSystemManager::DkSystemManager() : m_state(std::make_unique<State>()) {}
+DkSystemManager::DkSystemManager()
+    : m_deviceFactory(std::make_unique<DkDeviceFactory>()), m_published(std::make_shared<const State>()) {}
 DkSystemManager::~DkSystemManager() = default;
+
+DkSystemManager::Hold::Hold() : m_previous(t_heldState) {
+    if (m_previous != nullptr) return;
+    m_state = GetInstance().Published();
+    t_heldState = m_state.get();
+}
+
+DkSystemManager::Hold::Hold(const State* building) : m_previous(t_heldState) { t_heldState = building; }
+
+DkSystemManager::Hold::~Hold() { t_heldState = m_previous; }
+
+std::shared_ptr<const DkSystemManager::State> DkSystemManager::Published() const {
+    std::lock_guard<std::mutex> lock(m_publishMutex);
+    return m_published;
+}
+
+// The replaced state is released after the lock, by whichever thread drops
+// the last reference to it.
+void DkSystemManager::Publish(std::shared_ptr<const State> next) {
+    {
+        std::lock_guard<std::mutex> lock(m_publishMutex);
+        m_published.swap(next);
+    }
+}
+
+// Outside any Hold the state is kept per thread until this thread's next
+// such call, so that a reference a getter returned stays usable meanwhile.
+const DkSystemManager::State& DkSystemManager::ReadState() const {
+    if (t_heldState != nullptr) return *t_heldState;
+    thread_local std::shared_ptr<const State> latest;
+    latest = Published();
+    return *latest;
+}
 
 DkSmlReturn DkSystemManager::Initialize(const std::string& searchPath, std::unique_ptr<DkSysUtils> sysUtils,
                                         uint32_t flags) {
     std::lock_guard<std::mutex> lock(m_initMutex);
-    if (flags == 0 && m_state->initialized) return DK_SML_SUCCESS;
-    try {
-        return InitializeForLinux(searchPath, std::move(sysUtils));
-    } catch (const std::exception&) {
-        // Out of memory in the middle of a pass: leave nothing half-built behind.
-        ResetDiscoveryState();
-        return DK_SML_ERROR_FAILURE;
+    if (flags == 0 && Published()->initialized) return DK_SML_SUCCESS;
+    StartPass();
+    DkSmlReturn result = DK_SML_ERROR_FAILURE;
+    bool failed = false;
+    {
+        Hold building(m_state.get());  // lookups made during the pass see the pass's own tables
+        try {
+            result = InitializeForLinux(searchPath, std::move(sysUtils));
+            AssignHandles();
+        } catch (const std::exception&) {
+            failed = true;
+        }
     }
+    // Out of memory in the middle of a pass: publish nothing half-built; an
+    // empty state (still holding the directories given) replaces it.
+    if (failed) StartPass();
+    Publish(std::shared_ptr<const State>(std::move(m_state)));
+    return result;
+}
+
+// A fresh state for a pass: only the directories a caller gave survive from
+// the previous one. Indices restart at 0 and 100, and the pass number moves
+// on so that handles of the previous pass stop matching any record.
+void DkSystemManager::StartPass() {
+    std::shared_ptr<const State> previous = Published();
+    m_state = std::make_unique<State>();
+    State& s = *m_state;
+    s.generation = ++m_generation;
+    s.dkcdPathGiven = previous->dkcdPathGiven;
+    s.managerPathGiven = previous->managerPathGiven;
+    if (s.dkcdPathGiven) s.dkcdPath = previous->dkcdPath;
+    if (s.managerPathGiven) s.managerPath = previous->managerPath;
 }
 
 DkSmlReturn DkSystemManager::InitializeForLinux(const std::string& searchPath,
                                                 std::unique_ptr<DkSysUtils> sysUtils) {
-    ResetDiscoveryState();
+    // The root is read once per pass, and every file of the pass is read under it.
+    LoadHostRoot();
+    m_state->hostRoot = HostRoot();
     m_state->searchPath = searchPath;
     ChooseDriverDirectories();
     InitVendorId();
@@ -62,40 +128,24 @@ DkSmlReturn DkSystemManager::InitializeForLinux(const std::string& searchPath,
     if (m_state->devices.empty()) return DK_SML_ERROR_NO_DEVICE;
 
     GetRenderIdAndCardId();
+    ConstructBoardIdMap();
     m_state->sysUtils = sysUtils ? std::move(sysUtils) : std::make_unique<DkSysUtils>();
-    // The topology and process-accounting objects are created by their own
-    // services; until then they stay empty and their callers answer 6.
-    m_state->topology.reset();
-    m_state->processManagement.reset();
+    m_state->topology = CreateTopology(m_state->sysUtils.get(), {m_state->gpuNodeMap, m_state->availableDeviceCount,
+                                                                m_state->niNodeList, m_state->devices});
+    // The process-accounting object is built from this pass's devices, before
+    // the state is published.
+    m_state->processManagement = DkProcessManagementFactory::CreateProcessManagement(
+        GetProcessMemoryThreshold(m_state->devices.begin()->second->GetDeviceBrand()));
     m_state->initialized = true;
     return DK_SML_SUCCESS;
 }
 
-// Every table of the previous pass goes, so indices restart at 0 and 100 and
-// handles from the previous pass stop matching any record.
-void DkSystemManager::ResetDiscoveryState() {
-    State& s = *m_state;
-    s.initialized = false;
-    s.nextVfIndex = 100;
-    s.nextPfIndex = 0;
-    s.availableDeviceCount = 0;
-    s.cpuNodeCount = 0;
-    s.nextDieKey = 0;
-    s.gpuNodeMap.clear();
-    s.secondDieGpuIds.clear();
-    s.niNodeList.clear();
-    s.limitedDevices.clear();
-    s.gpuBdfIdMap.clear();
-    s.sgpuIdMap.clear();
-    s.bdfToDeviceIndex.clear();
-    s.devices.clear();
-    s.retiredDies = std::move(s.dies);  // moves the nodes: their addresses stay taken
-    s.dies.clear();
-    for (auto& [key, die] : s.retiredDies) die.device.reset();
-    s.boardIds.clear();
-    s.acceptedVendorIds.clear();
-    s.topology.reset();
-    s.processManagement.reset();
+// A handle is the pass number above the record's key; key + 1 keeps it from
+// ever being 0. Keys are device indices or die numbers, far below 65535.
+void DkSystemManager::AssignHandles() {
+    constexpr uint64_t c_keyBits = 16;
+    for (auto& [key, die] : m_state->dies)
+        die.handle = key + 1 < (1u << c_keyBits) ? (m_state->generation << c_keyBits) | (key + 1) : 0;
 }
 
 void DkSystemManager::ChooseDriverDirectories() {
@@ -105,43 +155,70 @@ void DkSystemManager::ChooseDriverDirectories() {
     s.layoutPath = s.dkcdPath + c_layoutSubdir;
 }
 
-const std::string& DkSystemManager::GetDkcdPath() const { return m_state->dkcdPath; }
-const std::string& DkSystemManager::GetSystemManagerPath() const { return m_state->managerPath; }
-const std::string& DkSystemManager::GetLayoutPath() const { return m_state->layoutPath; }
+const std::string& DkSystemManager::GetDkcdPath() const { return ReadState().dkcdPath; }
+const std::string& DkSystemManager::GetSystemManagerPath() const { return ReadState().managerPath; }
+const std::string& DkSystemManager::GetLayoutPath() const { return ReadState().layoutPath; }
+const std::string& DkSystemManager::GetHostRoot() const { return ReadState().hostRoot; }
 
-void DkSystemManager::SetDkcdPath(const std::string& path) {
-    m_state->dkcdPath = path;
-    if (!path.empty() && path.back() != '/') m_state->dkcdPath += '/';
-    m_state->dkcdPathGiven = !path.empty();
+// A given directory applies at once: the current state is copied with the
+// change and published (devices are shared, handles stay valid); later
+// passes keep it.
+void DkSystemManager::ChangeDirectories(bool dkcd, const std::string& path) {
+    std::lock_guard<std::mutex> lock(m_initMutex);
+    auto next = std::make_shared<State>(*Published());
+    if (dkcd) {
+        next->dkcdPath = path;
+        if (!path.empty() && path.back() != '/') next->dkcdPath += '/';
+        next->dkcdPathGiven = !path.empty();
+        next->layoutPath = next->dkcdPath + c_layoutSubdir;
+    } else {
+        next->managerPath = path;
+        next->managerPathGiven = !path.empty();
+    }
+    Publish(std::move(next));
 }
 
-void DkSystemManager::SetSystemManagerPath(const std::string& path) {
-    m_state->managerPath = path;
-    m_state->managerPathGiven = !path.empty();
+void DkSystemManager::SetDkcdPath(const std::string& path) { ChangeDirectories(true, path); }
+void DkSystemManager::SetSystemManagerPath(const std::string& path) { ChangeDirectories(false, path); }
+
+DkSysUtils* DkSystemManager::GetSysUtils() const { return ReadState().sysUtils.get(); }
+
+std::shared_ptr<DkTopology> DkSystemManager::GetTopology() const {
+    Hold hold;
+    return ReadState().topology;
 }
 
-DkSysUtils* DkSystemManager::GetSysUtils() const { return m_state->sysUtils.get(); }
-std::shared_ptr<DkTopology> DkSystemManager::GetTopology() const { return m_state->topology; }
 std::shared_ptr<IDkProcessManagement> DkSystemManager::GetProcessManagement() const {
-    return m_state->processManagement;
+    Hold hold;
+    return ReadState().processManagement;
 }
 
-uint32_t DkSystemManager::GetAvailableDeviceCount() const { return m_state->availableDeviceCount; }
+uint32_t DkSystemManager::GetAvailableDeviceCount() const {
+    Hold hold;
+    return ReadState().availableDeviceCount;
+}
 
 uint32_t DkSystemManager::GetPfDeviceCount() const {
-    return static_cast<uint32_t>(m_state->devices.size()) - m_state->availableDeviceCount;
+    Hold hold;
+    const State& s = ReadState();
+    return static_cast<uint32_t>(s.devices.size()) - s.availableDeviceCount;
 }
 
-uint32_t DkSystemManager::GetTargetNiCount() const { return static_cast<uint32_t>(m_state->niNodeList.size()); }
+uint32_t DkSystemManager::GetTargetNiCount() const {
+    Hold hold;
+    return static_cast<uint32_t>(ReadState().niNodeList.size());
+}
 
 const std::map<uint32_t, std::shared_ptr<IDkDevice>>& DkSystemManager::GetDeviceMap() const {
-    return m_state->devices;
+    return ReadState().devices;
 }
-const std::map<std::string, DkGpuNodeInfo>& DkSystemManager::GetGpuNodeMap() const { return m_state->gpuNodeMap; }
-const std::vector<DkNiNodeInfo>& DkSystemManager::GetNiNodeList() const { return m_state->niNodeList; }
+const std::map<std::string, DkGpuNodeInfo>& DkSystemManager::GetGpuNodeMap() const { return ReadState().gpuNodeMap; }
+const std::vector<DkNiNodeInfo>& DkSystemManager::GetNiNodeList() const { return ReadState().niNodeList; }
 const std::unordered_map<uint32_t, std::string>& DkSystemManager::GetGpuBdfIdMap() const {
-    return m_state->gpuBdfIdMap;
+    return ReadState().gpuBdfIdMap;
 }
-const std::unordered_map<uint32_t, uint32_t>& DkSystemManager::GetSgpuIdMap() const { return m_state->sgpuIdMap; }
+const std::unordered_map<uint32_t, uint32_t>& DkSystemManager::GetSgpuIdMap() const {
+    return ReadState().sgpuIdMap;
+}
 
 }  // namespace dksml

@@ -1,7 +1,15 @@
 // The process-wide owner of everything discovery finds: devices, dies,
 // limited devices and the tables that translate between the library's device
 // index, the driver's GPU and node ids, the compute stack's die numbering and
-// PCI bus ids. Discovery runs under the library's only mutex.
+// PCI bus ids.
+//
+// Threads: a discovery pass builds a complete new state off to the side and
+// publishes it in one step; a published state is never changed. Every call
+// reads one state from start to end: the frames in api/ hold it (Hold) for
+// the length of an export, and every getter below holds it for its own
+// length when no frame does. References and raw pointers a getter returns
+// point into the held state: valid for the length of the frame (or, outside
+// any frame, until this thread's next manager call after a rediscovery).
 #pragma once
 
 #include <cstdint>
@@ -22,15 +30,20 @@ namespace dksml {
 
 class DkDevice;
 class DkTopology;
+class IDkDeviceFactory;
 class IDkProcessManagement;
 
 // Search path of PCI functions (host path; see dk_host_root.h).
 extern const std::string g_dkDeviceSearchPath;  // "/sys/bus/pci/devices"
 
-// One die of a device; compatibility handles point at these records.
+// One die of a device; a compatibility handle names one of these records.
 struct DkDieInfo {
     uint32_t dieIndex = 0;
     std::shared_ptr<IDkDevice> device;
+    // The handle value given out for this record: the discovery pass number
+    // and the record's key, so that a handle of a replaced pass matches no
+    // record of the current one.
+    uint64_t handle = 0;
 };
 
 // A link record of a layout node ("direct_links"/"indirect_links").
@@ -81,17 +94,39 @@ struct DkBoardInfo {
 };
 
 class DkSystemManager {
+    struct State;
+
 public:
     static DkSystemManager& GetInstance();
+
+    // Holds the current state on this thread for the scope's length, so that
+    // nothing a call uses is freed by a rediscovery under it. Nested holds
+    // reuse the outermost one (one state per call); the discovering thread
+    // holds the state it is building.
+    class Hold {
+    public:
+        Hold();
+        ~Hold();
+        Hold(const Hold&) = delete;
+        Hold& operator=(const Hold&) = delete;
+
+    private:
+        friend class DkSystemManager;
+        explicit Hold(const State* building);
+        std::shared_ptr<const State> m_state;
+        const State* m_previous = nullptr;
+    };
 
     DkSmlReturn Initialize(const std::string& searchPath, std::unique_ptr<DkSysUtils> sysUtils,
                            uint32_t flags);
 
     // Lookups (empty pointer / sentinel when unknown).
     std::shared_ptr<IDkDevice> GetDeviceById(uint32_t deviceIndex) const;
-    bool CheckDeviceHandle(const DkDieInfo* handle) const;
-    DkDieInfo* GetDieBySmlId(uint32_t deviceIndex);
-    DkDieInfo* GetDieByVornId(uint32_t vornId);
+    // The record a compatibility handle names in the held state; null for a
+    // forged handle or one of a replaced discovery pass. Never dereferences it.
+    const DkDieInfo* FindDieByHandle(const void* handle) const;
+    const DkDieInfo* GetDieBySmlId(uint32_t deviceIndex) const;
+    const DkDieInfo* GetDieByVornId(uint32_t vornId) const;
     uint32_t GetAvailableDeviceCount() const;
     uint32_t GetPfDeviceCount() const;  // device-map size minus physical count
     uint32_t GetTargetNiCount() const;
@@ -148,6 +183,8 @@ public:
     void SetDkcdPath(const std::string& path);
     void SetSystemManagerPath(const std::string& path);
     DkSysUtils* GetSysUtils() const;
+    // The host root the held state's discovery read under.
+    const std::string& GetHostRoot() const;
 
     DkSystemManager(const DkSystemManager&) = delete;
     DkSystemManager& operator=(const DkSystemManager&) = delete;
@@ -156,9 +193,17 @@ private:
     DkSystemManager();
     ~DkSystemManager();
 
+    // Publication: readers copy the pointer under a lock held for nothing
+    // longer than that copy (never during a scan).
+    std::shared_ptr<const State> Published() const;
+    void Publish(std::shared_ptr<const State> next);
+    const State& ReadState() const;  // the held state, else this thread's latest
+    void ChangeDirectories(bool dkcd, const std::string& path);
+
     // Discovery pass.
     DkSmlReturn InitializeForLinux(const std::string& searchPath, std::unique_ptr<DkSysUtils> sysUtils);
-    void ResetDiscoveryState();
+    void StartPass();
+    void AssignHandles();
     void ChooseDriverDirectories();
     void InitVendorId();
     bool GetDkDeviceInfo(const std::string& deviceDir, DkSysInfo& info) const;
@@ -188,9 +233,16 @@ private:
     const DkLimitedDeviceInfo* FindLimitedDevice(uint32_t deviceIndex) const;
     void ConstructBoardIdMap();
 
-    struct State;
-    std::unique_ptr<State> m_state;  // every table, reset by each discovery pass
-    std::mutex m_initMutex;
+    // The state the running pass builds: touched only by the discovering
+    // thread under m_initMutex, empty between passes. Readers never see it.
+    std::unique_ptr<State> m_state;
+    std::unique_ptr<IDkDeviceFactory> m_deviceFactory;
+    uint64_t m_generation = 0;  // passes so far (under m_initMutex)
+    std::mutex m_initMutex;     // one discovery (or directory change) at a time
+
+    static thread_local const State* t_heldState;  // what this thread's Hold pinned
+    std::shared_ptr<const State> m_published;  // never null
+    mutable std::mutex m_publishMutex;         // guards m_published only
 };
 
 // Normalised PCI bus id ("0:3:0.0" -> "0000:03:00.0"); "" when a field is not hex.

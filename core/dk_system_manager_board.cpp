@@ -44,19 +44,22 @@ void DkSystemManager::ConstructBoardIdMap() {
     }
 }
 
+// The map is built by the discovery pass, before the state is published.
 uint32_t DkSystemManager::GetDeviceBoardId(uint32_t deviceIndex) {
-    if (m_state->boardIds.empty()) ConstructBoardIdMap();
-    auto it = m_state->boardIds.find(deviceIndex);
-    return it == m_state->boardIds.end() ? c_unknownBoard : it->second;
+    Hold hold;
+    const auto& boardIds = ReadState().boardIds;
+    auto it = boardIds.find(deviceIndex);
+    return it == boardIds.end() ? c_unknownBoard : it->second;
 }
 
 DkSmlReturn DkSystemManager::GetDeviceBoardInfo(uint32_t deviceIndex, DkBoardInfo* info) {
     if (info == nullptr) return DK_SML_ERROR_INVALID_INPUT;
+    Hold hold;
     uint32_t boardId = GetDeviceBoardId(deviceIndex);
     if (boardId == c_unknownBoard) return DK_SML_ERROR_NOT_SUPPORTED;
     info->boardId = boardId;
     info->deviceCount = 0;
-    for (const auto& [index, id] : m_state->boardIds) {
+    for (const auto& [index, id] : ReadState().boardIds) {
         if (id != boardId || index > c_lastPfIndex) continue;
         if (info->deviceCount == c_maxBoardDevices) break;
         info->deviceIds[info->deviceCount++] = index;

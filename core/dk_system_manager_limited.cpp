@@ -62,7 +62,7 @@ DkSmlReturn DkSystemManager::CheckNodeInvalidReason(const std::string& bdfId, ui
     if (result != DK_SML_SUCCESS || !installed) {
         reason = DK_SML_UNAVAILABLE_DRIVER_NOT_FOUND;
     } else {
-        const std::string powerState = HostPath(m_state->searchPath + "/" + bdfId + "/smi/pcipowerstate");
+        const std::string powerState = HostPath(ReadState().searchPath + "/" + bdfId + "/smi/pcipowerstate");
         std::string content;
         bool unreadable = CheckIfFileExist(powerState) && ReadFileText(powerState, content) != DK_SML_SUCCESS;
         reason = unreadable ? DK_SML_UNAVAILABLE_SYSFS_INACCESSIBLE : DK_SML_UNAVAILABLE_LAYOUT_NODE_NOT_FOUND;
@@ -72,15 +72,19 @@ DkSmlReturn DkSystemManager::CheckNodeInvalidReason(const std::string& bdfId, ui
 }
 
 const DkLimitedDeviceInfo* DkSystemManager::FindLimitedDevice(uint32_t deviceIndex) const {
-    auto it = m_state->limitedDevices.find(deviceIndex);
-    return it == m_state->limitedDevices.end() ? nullptr : &it->second;
+    auto it = ReadState().limitedDevices.find(deviceIndex);
+    return it == ReadState().limitedDevices.end() ? nullptr : &it->second;
 }
 
-bool DkSystemManager::IsLimitedDevice(uint32_t deviceIndex) const { return FindLimitedDevice(deviceIndex) != nullptr; }
+bool DkSystemManager::IsLimitedDevice(uint32_t deviceIndex) const {
+    Hold hold;
+    return FindLimitedDevice(deviceIndex) != nullptr;
+}
 
 DkSmlReturn DkSystemManager::GetAllLimitedDevices(uint32_t* count, uint32_t* deviceIndices) const {
+    Hold hold;
     if (count == nullptr) return DK_SML_ERROR_INVALID_INPUT;
-    const auto& limited = m_state->limitedDevices;
+    const auto& limited = ReadState().limitedDevices;
     uint32_t capacity = *count;
     *count = static_cast<uint32_t>(limited.size());
     if (capacity < limited.size()) return DK_SML_ERROR_INSUFFICIENT_SIZE;
@@ -91,6 +95,7 @@ DkSmlReturn DkSystemManager::GetAllLimitedDevices(uint32_t* count, uint32_t* dev
 }
 
 DkSmlReturn DkSystemManager::GetLimitedDeviceInfo(uint32_t deviceIndex, DkSmlLimitedDeviceInfo* info) const {
+    Hold hold;
     if (info == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     const DkLimitedDeviceInfo* limited = FindLimitedDevice(deviceIndex);
     if (limited == nullptr) return DK_SML_ERROR_DEVICE_NOT_AVAILABLE;
@@ -105,6 +110,7 @@ DkSmlReturn DkSystemManager::GetLimitedDeviceInfo(uint32_t deviceIndex, DkSmlLim
 
 // A limited device is never active.
 DkSmlReturn DkSystemManager::GetLimitedDeviceState(uint32_t deviceIndex, int32_t* state) const {
+    Hold hold;
     if (state == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     if (FindLimitedDevice(deviceIndex) == nullptr) return DK_SML_ERROR_DEVICE_NOT_AVAILABLE;
     *state = 0;
@@ -112,16 +118,18 @@ DkSmlReturn DkSystemManager::GetLimitedDeviceState(uint32_t deviceIndex, int32_t
 }
 
 DkSmlReturn DkSystemManager::GetLimitedDeviceDieCount(uint32_t deviceIndex, uint32_t* dieCount) const {
+    Hold hold;
     if (dieCount == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     const DkLimitedDeviceInfo* limited = FindLimitedDevice(deviceIndex);
     if (limited == nullptr) return DK_SML_ERROR_DEVICE_NOT_AVAILABLE;
-    *dieCount = DirectoryOpens(HostPath(m_state->searchPath + "/" + limited->bdfId + "/smi1")) ? 2 : 1;
+    *dieCount = DirectoryOpens(HostPath(ReadState().searchPath + "/" + limited->bdfId + "/smi1")) ? 2 : 1;
     return DK_SML_SUCCESS;
 }
 
 // Asked afresh: the driver may have been loaded since discovery.
 DkSmlReturn DkSystemManager::GetLimitedDeviceUnavailableReason(uint32_t deviceIndex,
                                                                DkSmlDeviceUnavailableReasonInfo* info) const {
+    Hold hold;
     if (info == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     const DkLimitedDeviceInfo* limited = FindLimitedDevice(deviceIndex);
     if (limited == nullptr) return DK_SML_ERROR_DEVICE_NOT_AVAILABLE;
@@ -138,6 +146,7 @@ DkSmlReturn DkSystemManager::GetLimitedDeviceUnavailableReason(uint32_t deviceIn
 // refused by the driver: that is the VBIOS compatibility check failing.
 DkSmlReturn DkSystemManager::GetLimitedDieUnavailableReason(uint32_t deviceIndex, uint32_t dieId,
                                                             DkSmlDeviceUnavailableReasonInfo* info) const {
+    Hold hold;
     if (info == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     uint32_t dieCount = 0;
     DkSmlReturn result = GetLimitedDeviceDieCount(deviceIndex, &dieCount);
@@ -150,6 +159,7 @@ DkSmlReturn DkSystemManager::GetLimitedDieUnavailableReason(uint32_t deviceIndex
 }
 
 std::shared_ptr<IDkDevice> DkSystemManager::MockDevice(const std::string& deviceDir) const {
+    Hold hold;
     size_t slash = deviceDir.rfind('/');
     if (slash == std::string::npos || slash + 1 >= deviceDir.size()) return nullptr;
     DkSysInfo info;

@@ -11,50 +11,57 @@ constexpr uint32_t c_lastPfIndex = 99;
 }  // namespace
 
 std::shared_ptr<IDkDevice> DkSystemManager::GetDeviceById(uint32_t deviceIndex) const {
-    auto it = m_state->devices.find(deviceIndex);
-    return it == m_state->devices.end() ? nullptr : it->second;
+    Hold hold;
+    auto it = ReadState().devices.find(deviceIndex);
+    return it == ReadState().devices.end() ? nullptr : it->second;
 }
 
-// A handle is valid only when it is the address of a record of this pass.
-bool DkSystemManager::CheckDeviceHandle(const DkDieInfo* handle) const {
-    if (handle == nullptr) return false;
-    for (const auto& [key, die] : m_state->dies)
-        if (&die == handle) return true;
-    return false;
+// The handle's key part finds the record; the pass number must be the held
+// state's own, else the handle is of a replaced pass (or forged).
+const DkDieInfo* DkSystemManager::FindDieByHandle(const void* handle) const {
+    const auto value = static_cast<uint64_t>(reinterpret_cast<uintptr_t>(handle));
+    if (value == 0) return nullptr;
+    const auto& dies = ReadState().dies;
+    auto it = dies.find(static_cast<uint32_t>((value & 0xFFFFu) - 1));
+    return it == dies.end() || it->second.handle != value ? nullptr : &it->second;
 }
 
-DkDieInfo* DkSystemManager::GetDieBySmlId(uint32_t deviceIndex) {
-    for (auto& [key, die] : m_state->dies)
+const DkDieInfo* DkSystemManager::GetDieBySmlId(uint32_t deviceIndex) const {
+    for (const auto& [key, die] : ReadState().dies)
         if (die.dieIndex == 0 && die.device && die.device->GetDeviceId() == deviceIndex) return &die;
     return nullptr;
 }
 
 // Only physical devices' dies carry the compute stack's numbers; the keys of
 // virtual functions are their device indices.
-DkDieInfo* DkSystemManager::GetDieByVornId(uint32_t vornId) {
-    auto it = m_state->dies.find(vornId);
-    if (it == m_state->dies.end() || !it->second.device || it->second.device->GetDeviceId() > c_lastPfIndex)
+const DkDieInfo* DkSystemManager::GetDieByVornId(uint32_t vornId) const {
+    auto it = ReadState().dies.find(vornId);
+    if (it == ReadState().dies.end() || !it->second.device || it->second.device->GetDeviceId() > c_lastPfIndex)
         return nullptr;
     return &it->second;
 }
 
 uint32_t DkSystemManager::GetGpuIdByDeviceId(uint32_t deviceIndex) const {
+    Hold hold;
     std::shared_ptr<IDkDevice> device = GetDeviceById(deviceIndex);
     return device ? device->GetDriverGpuId(0) : 0;
 }
 
 bool DkSystemManager::GetDeviceIdByGpuId(uint32_t gpuId, uint32_t& deviceIndex) const {
-    auto bdf = m_state->gpuBdfIdMap.find(gpuId);
-    return bdf != m_state->gpuBdfIdMap.end() && GetDeviceIdByBdf(bdf->second, deviceIndex);
+    Hold hold;
+    auto bdf = ReadState().gpuBdfIdMap.find(gpuId);
+    return bdf != ReadState().gpuBdfIdMap.end() && GetDeviceIdByBdf(bdf->second, deviceIndex);
 }
 
 bool DkSystemManager::GetDeviceIdByNodeId(uint32_t nodeId, uint32_t& deviceIndex) const {
-    for (const auto& [bdf, node] : m_state->gpuNodeMap)
+    Hold hold;
+    for (const auto& [bdf, node] : ReadState().gpuNodeMap)
         if (node.nodeId == nodeId) return GetDeviceIdByBdf(bdf, deviceIndex);
     return false;
 }
 
 bool DkSystemManager::GetDieIdByGpuId(uint32_t gpuId, uint32_t& dieId) const {
+    Hold hold;
     uint32_t deviceIndex = 0;
     if (!GetDeviceIdByGpuId(gpuId, deviceIndex)) return false;
     std::shared_ptr<IDkDevice> device = GetDeviceById(deviceIndex);
@@ -69,8 +76,9 @@ bool DkSystemManager::GetDieIdByGpuId(uint32_t gpuId, uint32_t& dieId) const {
 }
 
 bool DkSystemManager::GetDeviceIdByUuid(const std::string& uuid, uint32_t& deviceIndex) const {
+    Hold hold;
     if (uuid.empty()) return false;
-    for (const auto& [index, device] : m_state->devices) {
+    for (const auto& [index, device] : ReadState().devices) {
         if (device && device->GetDeviceUuid() == uuid) {
             deviceIndex = index;
             return true;
@@ -82,7 +90,8 @@ bool DkSystemManager::GetDeviceIdByUuid(const std::string& uuid, uint32_t& devic
 // Bus ids are matched as the kernel writes them; other spellings are
 // normalised first ("0:3:0.0" finds "0000:03:00.0").
 bool DkSystemManager::GetDeviceIdByBdf(const std::string& bdfId, uint32_t& deviceIndex) const {
-    const auto& map = m_state->bdfToDeviceIndex;
+    Hold hold;
+    const auto& map = ReadState().bdfToDeviceIndex;
     auto it = map.find(bdfId);
     if (it == map.end()) it = map.find(GetStandardBdfId(bdfId));
     if (it == map.end()) return false;
@@ -91,25 +100,29 @@ bool DkSystemManager::GetDeviceIdByBdf(const std::string& bdfId, uint32_t& devic
 }
 
 std::string DkSystemManager::GetBdfIdByDeviceId(uint32_t deviceIndex) const {
+    Hold hold;
     std::shared_ptr<IDkDevice> device = GetDeviceById(deviceIndex);
     return device ? device->GetBdfId() : std::string{};
 }
 
 uint32_t DkSystemManager::GetGpuIdByBdfId(const std::string& bdfId) const {
-    auto node = m_state->gpuNodeMap.find(bdfId);
-    return node == m_state->gpuNodeMap.end() ? 0 : node->second.gpuId;
+    Hold hold;
+    auto node = ReadState().gpuNodeMap.find(bdfId);
+    return node == ReadState().gpuNodeMap.end() ? 0 : node->second.gpuId;
 }
 
 uint32_t DkSystemManager::GetGpuIdByBdfAndDieId(const std::string& bdfId, uint32_t dieId) const {
-    auto second = m_state->secondDieGpuIds.find(bdfId);
-    if (dieId == 0 || second == m_state->secondDieGpuIds.end()) return GetGpuIdByBdfId(bdfId);
+    Hold hold;
+    auto second = ReadState().secondDieGpuIds.find(bdfId);
+    if (dieId == 0 || second == ReadState().secondDieGpuIds.end()) return GetGpuIdByBdfId(bdfId);
     return second->second;
 }
 
 // The layout node's render minor, else the render node found under /dev/dri.
 bool DkSystemManager::GetRenderMinorByBdfId(const std::string& bdfId, uint32_t& minor) const {
-    auto node = m_state->gpuNodeMap.find(bdfId);
-    if (node != m_state->gpuNodeMap.end() && node->second.drmRenderMinor != 0) {
+    Hold hold;
+    auto node = ReadState().gpuNodeMap.find(bdfId);
+    if (node != ReadState().gpuNodeMap.end() && node->second.drmRenderMinor != 0) {
         minor = node->second.drmRenderMinor;
         return true;
     }
@@ -122,9 +135,10 @@ bool DkSystemManager::GetRenderMinorByBdfId(const std::string& bdfId, uint32_t& 
 }
 
 IDkDevice* DkSystemManager::GetPfAncestor(const IDkDevice* vf) const {
+    Hold hold;
     if (vf == nullptr || !vf->IsVf()) return nullptr;
     const uint32_t vfIndex = vf->GetDeviceId();
-    for (const auto& [index, device] : m_state->devices) {
+    for (const auto& [index, device] : ReadState().devices) {
         if (!device || !device->IsPf()) continue;
         for (uint32_t listed : device->GetVfList())
             if (listed == vfIndex) return device.get();

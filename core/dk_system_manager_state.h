@@ -1,5 +1,8 @@
-// Everything one discovery pass builds. Only the system manager's own files
-// include this; everyone else goes through DkSystemManager's interface.
+// Everything one discovery pass builds. A pass fills a fresh State off to the
+// side (DkSystemManager::m_state, on the discovering thread only) and then
+// publishes it; a published State is never changed again, so readers share it
+// without locks. Only the system manager's own files include this; everyone
+// else goes through DkSystemManager's interface.
 #pragma once
 
 #include <cstdint>
@@ -17,6 +20,8 @@ namespace dksml {
 
 struct DkSystemManager::State {
     bool initialized = false;
+    uint64_t generation = 0;  // discovery pass number; compatibility handles carry it
+    std::string hostRoot;     // the root this pass read every file under
     uint32_t nextVfIndex = 100;
     uint32_t nextPfIndex = 0;
     uint32_t availableDeviceCount = 0;
@@ -28,10 +33,11 @@ struct DkSystemManager::State {
     // loaded, or the host root changed, since the last one).
     bool dkcdPathGiven = false, managerPathGiven = false;
     std::string searchPath;  // of the last pass, for limited-device paths
-    std::unique_ptr<DkSysUtils> sysUtils;
+    std::shared_ptr<DkSysUtils> sysUtils;
+    // Built by the pass from the layout tables, like everything else here;
+    // empty until their builders exist, and their callers then answer 6.
     std::shared_ptr<DkTopology> topology;
     std::shared_ptr<IDkProcessManagement> processManagement;
-    std::unique_ptr<IDkDeviceFactory> deviceFactory = std::make_unique<DkDeviceFactory>();
 
     std::map<std::string, DkGpuNodeInfo> gpuNodeMap;               // bus id -> layout node
     std::unordered_map<std::string, uint32_t> secondDieGpuIds;     // bus id -> GPU id of die 1
@@ -41,10 +47,7 @@ struct DkSystemManager::State {
     std::unordered_map<uint32_t, uint32_t> sgpuIdMap;              // slice GPU id -> local id
     std::unordered_map<std::string, uint32_t> bdfToDeviceIndex;
     std::map<uint32_t, std::shared_ptr<IDkDevice>> devices;
-    std::map<uint32_t, DkDieInfo> dies;                            // handles point into this
-    // The records of the previous pass, without their devices: holding their
-    // memory keeps new records from reusing an address a caller still holds.
-    std::map<uint32_t, DkDieInfo> retiredDies;
+    std::map<uint32_t, DkDieInfo> dies;                            // compatibility handles name these
     std::map<uint32_t, uint32_t> boardIds;                         // device index -> board id
     std::unordered_set<uint32_t> acceptedVendorIds;
 };

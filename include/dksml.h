@@ -17,6 +17,18 @@
  *   - caller-sized arrays take a count in/out: capacity on entry, the needed
  *     number on return, and 10 when the capacity is too small.
  *
+ * Threads: every function may be called from any number of threads at once,
+ * including dkSmlInit and dkSmlInitWithFlags. A forced discovery
+ * (dkSmlInitWithFlags with a non-zero flag word) replaces the whole device
+ * state in one step; a call running meanwhile answers entirely from the
+ * state it started with. After a forced discovery, compatibility handles
+ * obtained before it answer DK_SML_EX_ERROR_INVALID_ARGUMENT: ask for them
+ * again (dkSmlExGetDeviceHandleByIndex and friends). Device indices are
+ * assigned afresh by each discovery, so a caller that keeps them across one
+ * should look devices up again by PCI bus id or UUID. dkSmlInit without a
+ * flag word does not rediscover once a discovery has succeeded, and keeps
+ * every handle valid.
+ *
  * The header is C99 and C++ compatible and uses fixed-width types only.
  */
 #ifndef DKSML_H
@@ -122,7 +134,8 @@ typedef enum DkSmlExReturn DKSML_ENUM_BASE {
 #define DK_SML_FIRST_VF_INDEX 100u      /* virtual functions are numbered from here */
 #define DK_SML_DIE_ALL 0xFFFFFFFFu      /* "every die" where a die id is taken */
 
-/** Opaque handle of the compatibility family: one die of a physical device. */
+/** Opaque handle of the compatibility family: one die of a physical device.
+ *  Valid until the next forced discovery; never dereference it. */
 typedef struct DkSmlExDeviceRecord *DkSmlExDevice;
 
 /* ------------------------------------------------------------------------ */
@@ -356,6 +369,16 @@ DKSML_API DkSmlReturn dkSmlGetDieTemperatureInfo(uint32_t deviceIndex, uint32_t 
                                                  DkSmlTemperatureSensors sensor, int32_t *value);
 /** Fan speed in RPM and fan duty (PWM) value. */
 DKSML_API DkSmlReturn dkSmlGetFanSpeedInfo(uint32_t deviceIndex, uint32_t *rpm, uint32_t *pwm);
+/** Every temperature of one die in one read; 65535 where a sensor has no reading. */
+DKSML_API DkSmlReturn dkSmlGetDieTemperatureRecord(uint32_t deviceIndex, uint32_t dieId,
+                                                   DkSmlTemperature *temperature);
+/** Temperature-sensor table of one die ("showtstemp"). */
+DKSML_API DkSmlReturn dkSmlGetDieTemperatureSensor(uint32_t deviceIndex, uint32_t dieId,
+                                                   DkSmlTemperatureSensorForAll *table);
+/** Voltage-monitor rows of one die ("showvmread"); count is capacity in, rows out
+ *  (rows may be null with a capacity of 0 to learn the count). */
+DKSML_API DkSmlReturn dkSmlGetDieVmInfo(uint32_t deviceIndex, uint32_t dieId, uint32_t *count,
+                                        DkSmlVmInfo *rows);
 
 /* ======================================================================== */
 /* Remaining records and functions of both families follow.                  */
@@ -622,6 +645,27 @@ typedef enum DkSmlDpmIp DKSML_ENUM_BASE {
 
 #define DK_SML_DPM_IP_COUNT 15
 
+/*
+ * Power units. PMBus readings are the driver's: voltage in mV, current in mA,
+ * power in W. Board per-way readings are listed in the driver's order
+ * (voltage mV, current mA, power mW). dkSmlGetBoardPowerLimit answers mW on
+ * every model ("capability" is in mW, "config_tbp" in W and scaled by 1000).
+ *
+ * Per-IP power states. "ippowerstate" holds one line per DkSmlDpmIp in enum
+ * order ("xcore: 4095"); the value after the colon of line `ip` is a decimal
+ * mask whose bit i is the state of instance i (1 powered, 0 gated). The number
+ * of instances of every IP on every model is the one table c_ipInstanceTable
+ * (features/power/dk_power_tables.cpp):
+ *
+ *   model       dla xcore mc soc dnoc vpue vpud hbm g2d hbmpwr ccx npu dma csc eth
+ *   DKK6 series   2   12   4   1    1    2    4   4   1      1   4   0   2   1   1
+ *   DKQ9          2    4   2   1    1    2    4   2   1      1   0   1   2   1   0
+ *   DKK2          2    8   4   1    1    2    4   4   1      1   4   0   2   1   0
+ *   others        1    8   2   1    1    1    2   2   1      1   0   0   1   1   0
+ *
+ * An IP with 0 instances answers DK_SML_ERROR_NOT_SUPPORTED; a capacity below
+ * the instance count answers DK_SML_ERROR_INSUFFICIENT_SIZE with the count.
+ */
 /** PMBus readings of a unit from the first die that has it. */
 DKSML_API DkSmlReturn dkSmlGetPmbusInfo(uint32_t deviceIndex, DkSmlPmbusUnit unit, DkSmlPmbusInfo *info);
 /** PMBus readings of a unit on one die. */
@@ -646,6 +690,49 @@ DKSML_API DkSmlReturn dkSmlGetPciPowerState(uint32_t deviceIndex, DkSmlPciPowerS
 /* ------------------------------------------------------------------------ */
 
 #define DK_SML_DPM_MAX_LEVELS 16
+/** Level of a domain the driver does not list. */
+#define DK_SML_DPM_LEVEL_NONE 0xFFFFFFFFu
+
+/*
+ * Performance levels are counted from 0. Domain 11 is "npu"; the driver
+ * names the domains "dla", "xcore", "mc", "soc", "dnoc", "vpue", "vpud",
+ * "hbm", "g2d", "hbmpower", "ccx", "npu", "dma", "csc", "eth" (values 0-14).
+ *
+ * Domains whose maximum level may be set, with their number of levels
+ * (maximum level = count - 1):
+ *   DKK6 and DKQ9 models: dla 8, xcore 10, mc 4, soc 6, dnoc 4, vpue 5,
+ *                         vpud 5, hbm 3, ccx 4
+ *   DKK6U models:         xcore 10, mc 4, vpue 5, vpud 5, hbm 3, ccx 4
+ *   other models:         dla 8, xcore 8, mc 4, soc 6, dnoc 4, vpue 5, vpud 5
+ * The current level may be set on the same domains on the training lines
+ * (brands 2 and 4); the inference line (brand 1) sets dla 8, xcore 8, mc 4,
+ * soc 6. On DKK3 boards a maximum level above 9 is refused and read as 9.
+ * The DPM interval may be set on dla (brand 1) or xcore (brands 2 and 4).
+ *
+ * Driver texts read and written per die (one row per domain, label before
+ * the colon exactly the domain name; values decimal, separated by blanks,
+ * at most DK_SML_DPM_MAX_LEVELS of them):
+ *   "dpmcount"       "xcore: 10"   levels allowed (max level + 1); written
+ *                                  as "xcore 10"
+ *   "showperflevel"  "xcore: 3"    level in force
+ *   "setperflevel"   written as "xcore 3" (the level itself)
+ *   "dpminterval"    "xcore: 10"   sampling interval in ms; written as
+ *                                  "xcore 10"
+ *   "showclkrange"   "xcore: 300 600 900"  clock of each level (MHz)
+ *   "dpmctl"         "xcore: 650 700 750"  voltage of each level (mV)
+ *   "dpmusage"       "xcore: 120 40 8"     ms spent at each level; the
+ *                                          command "clear" resets them
+ *   "dpmfeature"     "xcore: 10"   levels the table enables; written as
+ *                                  "xcore 10"
+ *   "dpm_table_ctrl" rows "xcore clock: ...", "xcore vdd: ...",
+ *                    "xcore backup clock: ...", "xcore backup vdd: ...",
+ *                    "xcore hide: 5" (mask of hidden levels),
+ *                    "xcore param: ..." (algorithm parameters); commands
+ *                    "backup", "hide xcore 5", "set xcore LEVEL MHZ"
+ * Records: DkSmlDpmForAll and DkSmlDpmMaxForAll hold DK_SML_DPM_LEVEL_NONE
+ * (and a level count of 0) for domains the driver does not list; the other
+ * records hold count 0 for them.
+ */
 
 /** Values of every performance level of one domain (MHz or mV). */
 typedef struct DkSmlDpmPerfLevel {
@@ -711,6 +798,17 @@ typedef enum DkSmlUsageIp DKSML_ENUM_BASE {
     DK_SML_USAGE_IP_XCORE = 4
 } DkSmlUsageIp;
 
+/*
+ * Memory pools, in KiB, from "showmeminfo" (totals) and "showmemuse" (used):
+ * pool 0 the device memory, pool 1 its CPU-visible part, pool 2 the host
+ * memory the device maps (GTT). A device's pools 0 and 1 are the sums over its
+ * dies; pool 2 is shared by the dies and reported once, as die 0 sees it.
+ *
+ * AP usage table: "deviceinfo" must give both "dpc_count" and "ap_per_dpc",
+ * else DK_SML_ERROR_SYSFS and nothing is filled. The usage array must hold
+ * dpcCount x apCount values (the capacities passed in). Fused-off DPCs and APs
+ * ("ff") are left out, so apCount on return is the number of values stored.
+ */
 #define DK_SML_MEMORY_POOLS 3
 
 /** Total and used size of one memory pool in KiB. */
@@ -860,7 +958,9 @@ typedef struct DkSmlPcieInfo {
     uint32_t width;             /* lanes */
 } DkSmlPcieInfo;
 
-/** Upstream bandwidth counters, in the driver's order. */
+/** Upstream bandwidth counters, in the driver's order ("showupstreambandwidth":
+ *  rx bytes, tx bytes, rx packets, tx packets, max payload, replay count).
+ *  DkSmlPcieThroughput takes rx from counter 0 and tx from counter 1. */
 typedef struct DkSmlPcieBandwidth {
     uint32_t counters[6];
 } DkSmlPcieBandwidth;
@@ -890,7 +990,9 @@ DKSML_API DkSmlReturn dkSmlSetPciSpeed(uint32_t deviceIndex, DkSmlPciGen generat
 DKSML_API DkSmlReturn dkSmlGetPciDelay(uint32_t deviceIndex, uint32_t *delay);
 /** Sets the PCI delay of the driver (1 to 10000). */
 DKSML_API DkSmlReturn dkSmlSetPciDelay(uint32_t deviceIndex, uint32_t delay);
-/** Physical slot number from the firmware's tables. */
+/** Physical slot number from the firmware's SMBIOS system-slot records
+ *  ("/sys/firmware/dmi/tables/DMI"); every function of a device shares the
+ *  slot of function 0. */
 DKSML_API DkSmlReturn dkSmlGetDeviceSlot(uint32_t deviceIndex, uint32_t *slot);
 /** MMIO state of the PCI function. */
 DKSML_API DkSmlReturn dkSmlGetPciMmioState(uint32_t deviceIndex, uint32_t *state);
@@ -937,6 +1039,29 @@ DKSML_API DkSmlReturn dkSmlGetOpticalModulePower(uint32_t deviceIndex, uint32_t 
 /* ------------------------------------------------------------------------ */
 
 #define DK_SML_DRAVIK_LINK_MAX_PORTS 16
+
+/*
+ * The driver's interconnect attributes, per die ("smi/" and "smi1/"):
+ *
+ * | Attribute                                 | Lines                                      | Record                      |
+ * |-------------------------------------------|--------------------------------------------|-----------------------------|
+ * | "showdvlkibandwidth", "showdvlktbandwidth" | two per link: "<label>: current", then      | DkSmlDravikLinkBandwidth    |
+ * |                                           | "<label>: maximum"; die 1 ends with its PM  | values[0], values[1]        |
+ * |                                           | port's pair                                |                             |
+ * | "dvlki_traffic_stat", "dvlkt_traffic_stat" | "portN: <packets> <bytes>"                 | DkSmlDravikLinkTrafficStat  |
+ * | "showdvlkaer"                             | "portN: <correctable> <uncorrectable>"     | DkSmlDravikLinkAer          |
+ * | "showdvlkspeed", "showdvlkwidth"           | "portN: <GT/s>", "portN: <lanes>"          | DkSmlDravikLinkInfo         |
+ * | "showdvlkstatus"                          | "portN: <state 0..4>"; other or absent: 5  | port states, _v2 state[]    |
+ * | "dravlink_ctrl"                           | "<0 off, 1 on>", then the driver's text    | state and text              |
+ *
+ * Ports count from 1; die 0 has 7 ports, die 1 has 8 (the PM port last).
+ * On a multi-chip device the device forms list die 0's entries, then die 1's;
+ * the interconnect state is on only when both dies are on, and setting it
+ * writes both dies. The link topology (DkSmlDravikLinkTopo) comes from the
+ * layout's interconnect link records (link types 4 and 5, in the driver's
+ * order): localPort and remotePort are the positions of the record at each
+ * end, UINT32_MAX when the far end lists no record back.
+ */
 
 typedef enum DkSmlDravikLinkType DKSML_ENUM_BASE {
     DK_SML_DRAVIK_LINK_INBOUND = 0,
@@ -1118,20 +1243,24 @@ typedef struct DkSmlExPciInfo {
     uint32_t pciSubSystemId;    /* subsystem id << 16 | subsystem vendor  */
 } DkSmlExPciInfo;
 
-/** Busy percentages over the last sampling period. */
+/** Busy percentages over the last sampling period: gpu is the die's compute-core
+ *  usage (%), memory the used share of its device memory (%). */
 typedef struct DkSmlExUtilization {
     uint32_t gpu;
     uint32_t memory;
 } DkSmlExUtilization;
 
-/** Device memory in bytes. */
+/** Device memory (pool 0) of one die in bytes: free = total - used. */
 typedef struct DkSmlExMemory {
     uint64_t free;
     uint64_t total;
     uint64_t used;
 } DkSmlExMemory;
 
-/** A process running on a die. */
+/** A process running on a die: its pid (as the driver's client directory
+ *  names it) and the sum of its memory on that die over all memory domains and
+ *  slices, in the driver's unit (bytes). Idle clients (memory at or below the
+ *  board's threshold without a compute ring on the die) are not reported. */
 typedef struct DkSmlExProcessInfo {
     uint32_t pid;
     uint64_t usedGpuMemory;
@@ -1237,11 +1366,11 @@ DKSML_API DkSmlExReturn dkSmlExDeviceGetSupportedClocksThrottleReasons(DkSmlExDe
                                                                        uint64_t *reasons);
 /** Throttle reasons in force on the die. */
 DKSML_API DkSmlExReturn dkSmlExDeviceGetCurrentClocksThrottleReasons(DkSmlExDevice device, uint64_t *reasons);
-/** Board power draw in the driver's power unit (sum of the PMBus rails). */
+/** Power draw of the die in W: the sum of its PMBus rail powers. */
 DKSML_API DkSmlExReturn dkSmlExGetPowerUsage(DkSmlExDevice device, uint32_t *power);
-/** Board power limit. */
+/** Board power limit in mW. */
 DKSML_API DkSmlExReturn dkSmlExGetPowerManagementLimit(DkSmlExDevice device, uint32_t *limit);
-/** Board power limit in force. */
+/** Board power limit in force, in mW (the library sets none of its own). */
 DKSML_API DkSmlExReturn dkSmlExDeviceGetEnforcedPowerLimit(DkSmlExDevice device, uint32_t *limit);
 /** Compute and memory busy percentages. */
 DKSML_API DkSmlExReturn dkSmlExDeviceGetUtilization(DkSmlExDevice device, DkSmlExUtilization *utilization);
@@ -1282,7 +1411,8 @@ DKSML_API DkSmlExReturn dkSmlExDeviceGetFieldValues(DkSmlExDevice device, uint32
 DKSML_API DkSmlExReturn dkSmlExDeviceGetFanSpeed(DkSmlExDevice device, uint32_t *speed);
 /** Fan duty of one fan (only fan 0) in percent. */
 DKSML_API DkSmlExReturn dkSmlExDeviceGetFanSpeed_v2(DkSmlExDevice device, uint32_t fan, uint32_t *speed);
-/** Processes on the die; count in/out. */
+/** Processes on the die; count in: capacity, out: number found (7 when the
+ *  capacity is smaller; 2 for a bad handle or null count; 999 when the scan fails). */
 DKSML_API DkSmlExReturn dkSmlExDeviceGetComputeRunningProcesses(DkSmlExDevice device, uint32_t *infoCount,
                                                                 DkSmlExProcessInfo *infos);
 /** Kernel driver version text. */

@@ -16,7 +16,7 @@ add_test(NAME dksml_abi_exports
     -DNM=${CMAKE_NM}
     -DLIBRARY=$<TARGET_FILE:dksml>
     -DHEADER=${PROJECT_SOURCE_DIR}/include/dksml.h
-    -DEXPECTED_COUNT=182
+    -DEXPECTED_COUNT=185
     -P ${CMAKE_CURRENT_SOURCE_DIR}/abi/check_exports.cmake)
 
 # The same C client on the shipped virtual hosts: the inventory a monitoring

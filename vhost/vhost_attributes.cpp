@@ -5,6 +5,7 @@
 #include <functional>
 #include <string_view>
 
+#include "vhost/vhost_dpm_texts.h"
 #include "vhost/vhost_model_family.h"
 
 namespace dksml::vhost {
@@ -182,7 +183,8 @@ std::string BoardPower(const DieContext& c) {
            "\npower: " + std::to_string(12 * amps) + " " + std::to_string(12 * (amps + 300)) + "\n";
 }
 
-std::string Capability(const DieContext& c) { return Line("power cap", 300 + 50 * Vary(c, 3)); }
+// In milliwatts, the unit the library reports for every model.
+std::string Capability(const DieContext& c) { return Line("power cap", 300000 + 50000 * Vary(c, 3)); }
 
 std::string ConfigTbp(const DieContext& c) {
     const int limit = 450 + 25 * Vary(c, 4);
@@ -206,8 +208,10 @@ std::string IpPowerState(const DieContext& c) {
 
 std::string Usage(const DieContext& c) {
     const int load = 10 * Vary(c, 8);
-    return Row("dla use", load, 3, 2) + Row("vpue use", load / 2, 4, 2) + Row("vpud use", load / 3, 5, 4) +
-           "g2d use: 0 -1\n";
+    // A negative sample ends an engine's valid samples: the vpud value after
+    // it is stale and must not count.
+    return Row("dla use", load, 3, 2) + Row("vpue use", load / 2, 4, 2) + "vpud use: " + std::to_string(30 + load) +
+           " " + std::to_string(50 + load) + " -1 99\n" + "g2d use: 0 -1\n";
 }
 
 std::string XcoreUsage(const DieContext& c) {
@@ -215,11 +219,13 @@ std::string XcoreUsage(const DieContext& c) {
     const unsigned load = 16 + 9 * static_cast<unsigned>(Vary(c, 8));
     std::string text = "xcore usage: " + Hex(load) + "\n";
     for (unsigned dpc = 0; dpc < family.dpcCount; ++dpc) {
-        // The last DPC of die 1 is fused off on harvested parts.
+        // The last DPC of die 1 is fused off on harvested parts, and so is
+        // the first AP of its first DPC.
         const bool harvested = c.die == 1 && dpc + 1 == family.dpcCount;
         text += "dpc" + std::to_string(dpc) + ":";
         for (unsigned ap = 0; ap < family.apPerDpc; ++ap) {
-            text += " " + (harvested ? std::string("ff") : Hex((load + dpc * 5 + ap * 3) % 100));
+            const bool fusedOff = harvested || (c.die == 1 && dpc == 0 && ap == 0);
+            text += " " + (fusedOff ? std::string("ff") : Hex((load + dpc * 5 + ap * 3) % 100));
         }
         text += "\n";
     }
@@ -247,16 +253,7 @@ std::string MemUse(const DieContext& c) {
 
 // --- performance levels ---------------------------------------------------
 
-std::string DpmCount(const DieContext& c) {
-    return Line("dla", 8) + Line("xcore", Family(c).brand == 4 ? 10 : 8) + Line("mc", 4) + Line("soc", 6) +
-           Line("dnoc", 4) + Line("vpue", 5) + Line("vpud", 5) + Line("hbm", 3) + Line("ccx", 4);
-}
-
-std::string PerfLevel(const DieContext& c) {
-    return Line("dla", Vary(c, 4)) + Line("xcore", 3 + Vary(c, 4)) + Line("mc", 2) + Line("soc", 1);
-}
-
-std::string DpmInterval(const DieContext&) { return "dpm interval: 10\n"; }
+// The DPM texts live in vhost_dpm_texts.cpp.
 
 // --- PCIe -----------------------------------------------------------------
 
@@ -284,12 +281,15 @@ std::string PortLines(const DieContext& c, const std::function<std::string(unsig
     return text;
 }
 
+// Two lines per link; die 1's last port is its PM port.
 std::string LinkBandwidth(const DieContext& c, int salt) {
     std::string text;
     for (unsigned link = 0; link < Ports(c); ++link) {
         const int rate = 4000 + 350 * Vary(c, 9, salt + static_cast<int>(link));
-        text += "link" + std::to_string(link) + " bandwidth: " + std::to_string(rate) + "\n";
-        text += "link" + std::to_string(link) + " max bandwidth: 50000\n";
+        const bool pmPort = c.die == 1 && link + 1 == Ports(c);
+        const std::string label = pmPort ? "pm port" : "link" + std::to_string(link);
+        text += label + " bandwidth: " + std::to_string(rate) + "\n";
+        text += label + " max bandwidth: 50000\n";
     }
     return text;
 }
@@ -298,11 +298,18 @@ std::string LinkStatus(const DieContext& c) {
     return PortLines(c, [&](unsigned port) { return port <= 4 ? std::string("2") : std::string("0"); });
 }
 
+// "portN: <packets> <bytes>".
 std::string LinkTraffic(const DieContext& c, int salt) {
-    return PortLines(c, [&](unsigned port) { return std::to_string((port * 1048576ull) + Vary(c, 97, salt)); });
+    return PortLines(c, [&](unsigned port) {
+        const unsigned long long bytes = (port * 1048576ull) + Vary(c, 97, salt);
+        return std::to_string(bytes / 256) + " " + std::to_string(bytes);
+    });
 }
 
-std::string LinkAer(const DieContext& c) { return PortLines(c, [](unsigned) { return std::string("0"); }); }
+// "portN: <correctable> <uncorrectable>".
+std::string LinkAer(const DieContext& c) {
+    return PortLines(c, [](unsigned port) { return std::to_string(port == 2 ? 3 : 0) + " 0"; });
+}
 std::string LinkSpeedPorts(const DieContext& c) { return PortLines(c, [](unsigned) { return std::string("32"); }); }
 std::string LinkWidthPorts(const DieContext& c) { return PortLines(c, [](unsigned) { return std::string("16"); }); }
 std::string LinkControl(const DieContext&) { return "1\nenabled\n"; }
@@ -366,9 +373,15 @@ const std::vector<AttributeRow>& AttributeTable() {
         {"apuseageswitch", Scope::AllFunctions, ApUsageSwitch},
         {"showmeminfo", Scope::AllFunctions, MemInfo},
         {"showmemuse", Scope::AllFunctions, MemUse},
-        {"dpmcount", Scope::Physical, DpmCount},
-        {"setperflevel", Scope::Physical, PerfLevel},
-        {"dpminterval", Scope::Physical, DpmInterval},
+        {"dpmcount", Scope::Physical, DpmCountText},
+        {"setperflevel", Scope::Physical, PerfLevelText},
+        {"dpminterval", Scope::Physical, DpmIntervalText},
+        {"showperflevel", Scope::Physical, PerfLevelText},
+        {"showclkrange", Scope::Physical, ClockRangeText},
+        {"dpmctl", Scope::Physical, DpmVoltageText},
+        {"dpmusage", Scope::Physical, DpmUsageText},
+        {"dpmfeature", Scope::Physical, DpmFeatureText},
+        {"dpm_table_ctrl", Scope::Physical, DpmTableText},
         {"pcicurrentlinkspeed", Scope::Physical, LinkSpeed},
         {"pcicurrentlinkwidth", Scope::Physical, LinkWidth},
         {"showupstreambandwidth", Scope::Physical, UpstreamBandwidth},

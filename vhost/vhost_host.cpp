@@ -4,6 +4,7 @@
 #include <string>
 
 #include "vhost/dk_virtual_host.h"
+#include "vhost/vhost_cpu_topology.h"
 #include "vhost/vhost_profile.h"
 #include "vhost/vhost_writers.h"
 
@@ -39,8 +40,12 @@ void WriteHost(const nlohmann::json& profile, const fs::path& root) {
     }
     fs::create_directories(root);
     WritePciTree(root, host);
+    WriteCpuTopology(root, host);
     WriteLayout(root, host);
+    WriteSliceGpus(root, host);
+    WriteFirmwareTables(root, host);
     WriteSystemFiles(root, host);
+    WriteComputeStack(root, host);
 }
 
 }  // namespace dksml::vhost

@@ -8,6 +8,9 @@
 #include <string_view>
 
 #include "core/dk_pci_ids.h"
+#include "vhost/vhost_cpu_topology.h"
+#include "vhost/vhost_pci_bridges.h"
+#include "vhost/vhost_pcie_link.h"
 
 namespace dksml::vhost {
 namespace {
@@ -20,12 +23,12 @@ using nlohmann::json;
 
 const std::set<std::string> c_hostKeys{"name", "description", "driver_loaded", "virtual_machine",
                                        "operating_mode", "cpu_nodes", "devices", "links",
-                                       "processes", "files"};
+                                       "processes", "files", "bridge_links", "compute_stack"};
 const std::set<std::string> c_deviceKeys{
     "bus_id", "function", "model", "vendor", "device_id", "subsystem_vendor", "subsystem_device",
     "class", "driver", "parent", "bridges", "numa_node", "local_cpulist", "dies", "attributes",
     "files", "layout_node", "node_id", "gpu_id", "unique_id", "card", "topology", "sensor_board",
-    "xpu_clock", "comment"};
+    "xpu_clock", "comment", "pcie", "revision", "sgpu"};
 
 void CheckKeys(const json& object, const std::set<std::string>& allowed, const std::string& where) {
     if (!object.is_object()) Fail(where, "must be an object");
@@ -206,6 +209,10 @@ DeviceSpec ParseDevice(const json& entry, const HostSpec& host) {
         Fail(where, "sensor_board must be \"emc\" or \"tmp435\"");
     }
     device.xpuClock = entry.value("xpu_clock", false);
+    device.link = DefaultFunctionLink(device.brand);
+    if (entry.contains("pcie")) device.link = ParsePcieLink(entry["pcie"], device.link, where + ".pcie");
+    if (entry.contains("revision")) device.revision = HexOf(entry["revision"], where + ".revision") & 0xffu;
+    if (entry.contains("sgpu")) device.sgpu = ParseSgpu(entry["sgpu"], where + ".sgpu");
     return device;
 }
 
@@ -275,8 +282,16 @@ void CheckRelations(const HostSpec& host) {
 std::vector<CpuNodeSpec> ParseCpuNodes(const json& nodes) {
     std::vector<CpuNodeSpec> result;
     for (const json& node : nodes) {
-        CheckKeys(node, {"node", "cpus"}, "cpu_nodes");
-        result.push_back({node.at("node").get<uint32_t>(), node.at("cpus").get<std::string>()});
+        CheckKeys(node, {"node", "cpus", "threads_per_core"}, "cpu_nodes");
+        CpuNodeSpec parsed{node.at("node").get<uint32_t>(), node.at("cpus").get<std::string>()};
+        parsed.threadsPerCore = node.value("threads_per_core", 1u);
+        const size_t cpuCount = ParseCpuList(parsed.cpuList).size();
+        const std::string where = "cpu_nodes: node " + std::to_string(parsed.nodeId);
+        if (cpuCount == 0) Fail(where, "bad cpu list \"" + parsed.cpuList + "\"");
+        if (parsed.threadsPerCore == 0 || cpuCount % parsed.threadsPerCore != 0) {
+            Fail(where, "threads_per_core must divide the node's CPU count");
+        }
+        result.push_back(parsed);
     }
     return result;
 }
@@ -311,7 +326,8 @@ std::vector<LinkSpec> ParseLinks(const json& links, const HostSpec& host) {
 std::vector<ProcessSpec> ParseProcesses(const json& processes) {
     std::vector<ProcessSpec> result;
     for (const json& entry : processes) {
-        CheckKeys(entry, {"pid", "nspid", "name", "vram", "ringbuf", "holds_device_node"}, "processes");
+        CheckKeys(entry, {"pid", "nspid", "name", "vram", "ringbuf", "holds_device_node", "driver_dir", "domains"},
+                  "processes");
         ProcessSpec process;
         process.pid = entry.at("pid").get<uint32_t>();
         process.nspid = entry.value("nspid", process.pid);
@@ -322,6 +338,9 @@ std::vector<ProcessSpec> ParseProcesses(const json& processes) {
         }
         process.ringbufGpuIds = entry.value("ringbuf", std::vector<uint32_t>{});
         process.holdsDeviceNode = entry.value("holds_device_node", true);
+        process.driverDir = entry.value("driver_dir", true);
+        process.domains = entry.value("domains", 1u);
+        if (process.domains < 1 || process.domains > 0xffff) Fail("processes", "domains must be 1 to 65535");
         result.push_back(process);
     }
     return result;
@@ -365,11 +384,22 @@ HostSpec ParseProfile(const json& profile) {
                 device.bridges = host.FindDevice(device.parent)->bridges;
             }
             device.rootComplex = RootComplexOf(device);
+            if (!device.parent.empty() && !sortedEntries[i].contains("pcie")) {
+                device.link = host.FindDevice(device.parent)->link;  // a VF reports its PF's link
+            }
             if (device.localCpuList.empty()) device.localCpuList = CpusOfNode(host, device.numaNode);
         }
         host.links = ParseLinks(profile.value("links", json::array()), host);
         host.processes = ParseProcesses(profile.value("processes", json::array()));
         host.files = OverridesOf(profile.value("files", json()), "files");
+        const json bridgeLinks = profile.contains("bridge_links") ? profile["bridge_links"] : json::object();
+        if (!bridgeLinks.is_object()) Fail("bridge_links", "must be an object of bridge bus id to link");
+        for (const auto& [busId, link] : bridgeLinks.items()) {
+            const std::string where = "bridge_links." + busId;
+            host.bridgeLinks[BusIdOf(busId, where)] = ParsePcieLink(link, DefaultBridgeLink(), where);
+        }
+        CollectBridges(host);  // rejects bridges whose placement no PCI bus numbering can give
+        host.computeStack = ParseComputeStack(profile.value("compute_stack", json::object()));
     } catch (const json::exception& error) {
         // Type errors of nlohmann carry no context of ours; keep their text.
         throw std::runtime_error(std::string("profile: ") + error.what());

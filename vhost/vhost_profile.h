@@ -17,8 +17,45 @@ using TextOverrides = std::map<std::string, std::optional<std::string>>;
 
 enum class FunctionKind { Physical, Virtual, Other };
 
+// One PCI Express link as the function's link registers and sysfs
+// max_link_*/current_link_* files report it: generation 1 (2.5 GT/s) to 6
+// (64 GT/s) and lanes.
+struct PcieLinkSpec {
+    unsigned maxGeneration = 0;
+    unsigned maxWidth = 0;
+    unsigned generation = 0;
+    unsigned width = 0;
+};
+
 struct DieSpec {
     TextOverrides attributes;
+};
+
+// One slice of a device in slice mode (its "sgpu<id>" directory and layout node).
+struct SliceSpec {
+    uint32_t id = 0;
+    uint32_t gpuId = 0;
+    uint32_t nodeId = 0;               // 0: derived from the parent's node id
+    uint32_t vramQuota = 0;
+    uint32_t computeQuota = 0;
+    uint32_t priority = 0;
+    uint32_t online = 1;
+    uint32_t minor = 0;
+    uint32_t utilization = 0;
+    uint32_t active = 1;
+    uint64_t memory[3] = {};           // "meminfo": total, used, free
+    std::string alias;
+    std::string annotations;           // whole file, lines of key=value;...
+    std::string uniqueId;
+    std::vector<uint32_t> overrun;     // one value per scheduling period
+};
+
+// A device in slice mode ("model" reads "sgpu").
+struct SgpuSpec {
+    uint32_t totalVramQuota = 0;
+    uint32_t timeslice = 0;
+    uint32_t schedClass = 0;
+    std::vector<SliceSpec> slices;
 };
 
 struct DeviceSpec {
@@ -50,6 +87,9 @@ struct DeviceSpec {
     std::string sensorBoard = "emc";   // "emc" or "tmp435"
     bool xpuClock = false;             // reports the six-value xpu clock line
     unsigned seed = 0;                 // varies the generated readings per device
+    PcieLinkSpec link;                 // the function's upstream link
+    uint32_t revision = 0;
+    std::optional<SgpuSpec> sgpu;      // slice mode (physical GPUs only)
 
     bool IsGpu() const { return kind != FunctionKind::Other; }
 };
@@ -57,6 +97,7 @@ struct DeviceSpec {
 struct CpuNodeSpec {
     uint32_t nodeId = 0;
     std::string cpuList;
+    unsigned threadsPerCore = 1;       // the k-th and (k + n/threads)-th CPU of the node share a core
 };
 
 struct LinkSpec {
@@ -73,7 +114,20 @@ struct ProcessSpec {
     std::map<uint32_t, uint64_t> vram;  // driver GPU id -> bytes
     std::vector<uint32_t> ringbufGpuIds;
     bool holdsDeviceNode = true;        // an fd on /dev/dkcd in the host /proc
+    bool driverDir = true;              // a client directory in the driver's debugfs
+    uint32_t domains = 1;               // memory domains (vram_ tags 0..domains-1) per GPU
 };
+
+// Which build of each compute-stack library the host carries: the runtime
+// is "absent", "present", "no_symbol" (no version function) or "failing"
+// (the call reports an error); the SDK is "absent" or "present".
+struct ComputeStackSpec {
+    std::string runtime = "absent";
+    std::string sdk = "absent";
+};
+
+// Throws std::runtime_error for an unknown key or variant.
+ComputeStackSpec ParseComputeStack(const nlohmann::json& section);
 
 struct HostSpec {
     std::string name;
@@ -85,6 +139,8 @@ struct HostSpec {
     std::vector<LinkSpec> links;
     std::vector<ProcessSpec> processes;
     TextOverrides files;               // absolute host paths
+    std::map<std::string, PcieLinkSpec> bridgeLinks;  // bridge bus id -> its link, when not the default
+    ComputeStackSpec computeStack;
 
     const DeviceSpec* FindDevice(const std::string& busId) const;
 };
@@ -92,5 +148,8 @@ struct HostSpec {
 // Validates and completes a profile (defaults, derived ids). Throws
 // std::runtime_error naming the offending entry.
 HostSpec ParseProfile(const nlohmann::json& profile);
+
+// The "sgpu" section of a physical GPU (vhost_sgpu_profile.cpp).
+SgpuSpec ParseSgpu(const nlohmann::json& section, const std::string& where);
 
 }  // namespace dksml::vhost

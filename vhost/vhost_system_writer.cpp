@@ -40,17 +40,7 @@ void WriteRenderNodes(const fs::path& root, const HostSpec& host) {
 
 void WriteProcess(const fs::path& root, const ProcessSpec& process) {
     const std::string dir = c_debugDir + std::string("proc/") + std::to_string(process.pid) + "/";
-    WriteText(root, dir + "nspid", std::to_string(process.nspid) + "\n");
-    WriteText(root, dir + "name", process.name + "\n");
-    for (const auto& [gpuId, bytes] : process.vram) {
-        WriteText(root, dir + "vram_" + std::to_string(gpuId), std::to_string(bytes) + "\n");
-    }
-    unsigned ring = 0;
-    for (const uint32_t gpuId : process.ringbufGpuIds) {
-        const std::string ringDir = dir + "ringbuf/" + std::to_string(ring++) + "/";
-        WriteText(root, ringDir + "type", "0\n");
-        WriteText(root, ringDir + "gpuid", std::to_string(gpuId) + "\n");
-    }
+    if (process.driverDir) WriteClientDirectory(root, dir, process);
     const std::string host = "/proc/" + std::to_string(process.pid) + "/";
     WriteText(root, host + "comm", process.name.substr(0, 15) + "\n");
     MakeDirectory(root, host + "fd");

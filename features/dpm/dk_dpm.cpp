@@ -1,51 +1,192 @@
+// Performance levels: the maximum level a domain may reach ("dpmcount"),
+// the level in force ("showperflevel" read, "setperflevel" write) and the
+// stepping through the levels.
 #include "features/dpm/dk_dpm.h"
 
+#include <string>
+
+#include "core/idk_device.h"
+#include "features/dpm/dk_dpm_layout.h"
+#include "features/dpm/dk_dpm_read.h"
+
 namespace dksml {
+namespace {
 
-// The driver side of these operations is not wired up in this version: each
-// answers DK_SML_ERROR_NOT_SUPPORTED so callers see a clear status.
+// One model keeps at most ten levels for every domain it reports.
+constexpr uint32_t c_dkk3TopLevel = 9;
+// Rotation steps: the inference engine has eight levels, other domains four.
+constexpr uint32_t c_npuRotationLevels = 8;
+constexpr uint32_t c_rotationLevels = 4;
 
-DkSmlReturn DkDpm::GetDpmClockInfo(IDkDevice*, DkSmlDpmInfoForAll*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDieDpmClockInfo(IDkDevice*, unsigned int, DkSmlDpmInfoForAll*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDpmIpClockInfo(IDkDevice*, DkSmlDpmIp, DkSmlDpmPerfLevel*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDieDpmIpClockInfo(IDkDevice*, unsigned int, DkSmlDpmIp, DkSmlDpmPerfLevel*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDpmVddInfo(IDkDevice*, DkSmlDpmInfoForAll*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDieDpmVddInfo(IDkDevice*, unsigned int, DkSmlDpmInfoForAll*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDpmIpVddInfo(IDkDevice*, DkSmlDpmIp, DkSmlDpmPerfLevel*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDieDpmIpVddInfo(IDkDevice*, unsigned int, DkSmlDpmIp, DkSmlDpmPerfLevel*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDpmCurPerfLevel(IDkDevice*, DkSmlDpmForAll*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDieDpmCurPerfLevel(IDkDevice*, unsigned int, DkSmlDpmForAll*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetCurrentDpmIpPerfLevel(IDkDevice*, DkSmlDpmIp, uint32_t*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetCurrentDieDpmIpPerfLevel(IDkDevice*, unsigned int, DkSmlDpmIp, uint32_t*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::SetDpmPerfLevel(IDkDevice*, DkSmlDpmIp, uint32_t) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::SetDieDpmPerfLevel(IDkDevice*, unsigned int, DkSmlDpmIp, uint32_t) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDpmMaxPerfLevel(IDkDevice*, DkSmlDpmForAll*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDieDpmMaxPerfLevel(IDkDevice*, unsigned int, DkSmlDpmForAll*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDpmIpMaxPerfLevel(IDkDevice*, DkSmlDpmIp, uint32_t*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDieDpmIpMaxPerfLevel(IDkDevice*, unsigned int, DkSmlDpmIp, uint32_t*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetAllDpmMaxPerfLevel(IDkDevice*, DkSmlDpmMaxForAll*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDieAllDpmMaxPerfLevel(IDkDevice*, unsigned int, DkSmlDpmMaxForAll*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::SetDpmMaxPerfLevel(IDkDevice*, DkSmlDpmIp, uint32_t) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::SetDieDpmMaxPerfLevel(IDkDevice*, unsigned int, DkSmlDpmIp, uint32_t) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::SetK3XcoreMaxPerfLevel(IDkDevice*, uint32_t) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::SetK3DieXcoreMaxPerfLevel(IDkDevice*, unsigned int, uint32_t) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::SetDpmPerfLevelRotation(IDkDevice*, DkSmlDpmIp) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDpmInterval(IDkDevice*, DkSmlDpmInterval*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDieDpmInterval(IDkDevice*, unsigned int, DkSmlDpmInterval*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::SetDpmInterval(IDkDevice*, DkSmlDpmIp, uint16_t) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::SetDieDpmInterval(IDkDevice*, unsigned int, DkSmlDpmIp, uint16_t) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDpmCounter(IDkDevice*, DkSmlDpmCounterForAll*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDieDpmCounter(IDkDevice*, unsigned int, DkSmlDpmCounterForAll*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::ClearDpmCounter(IDkDevice*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::ClearDieDpmCounter(IDkDevice*, unsigned int) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDpmMaxLevel(IDkDevice*, DkSmlDpmMaxForAll*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::SetDpmMaxLevel(IDkDevice*, DkSmlDpmIp, uint32_t) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDpmBackup(IDkDevice*, DkSmlDpmInfoForAll*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::SetDpmBackup(IDkDevice*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDpmCurrent(IDkDevice*, DkSmlDpmInfoForAll*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDpmHide(IDkDevice*, DkSmlDpmIp, uint32_t*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::SetDpmHide(IDkDevice*, DkSmlDpmIp, uint32_t) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::SetDpmInfo(IDkDevice*, DkSmlDpmIp, uint32_t, uint32_t) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkDpm::GetDpmParam(IDkDevice*, DkSmlDpmIp, DkSmlDpmPerfLevel*) { return DK_SML_ERROR_NOT_SUPPORTED; }
+// "name value" (the handler ends the line).
+std::string DomainLine(std::string_view name, uint32_t value) {
+    std::string line(name);
+    line += ' ';
+    line += std::to_string(value);
+    return line;
+}
+
+// Level from one "dpmcount" line ("name: count"): the driver counts from 1.
+DkSmlReturn MaxLevelFromLine(const IDkDevice& device, std::string_view line, uint32_t& level) {
+    uint32_t count = 0;
+    const DkSmlReturn result = ParseCountAfterColon(line, count);
+    if (result != DK_SML_SUCCESS) return result;
+    if (count == 0) return DK_SML_ERROR_SYSFS;
+    level = count - 1;
+    if (device.IsDkk3() && level > c_dkk3TopLevel) level = c_dkk3TopLevel;
+    return DK_SML_SUCCESS;
+}
+
+}  // namespace
+
+DkSmlReturn DkDpm::GetDpmIpMaxPerfLevel(IDkDevice* device, DkSmlDpmIp ip, uint32_t* level) {
+    return GetDieDpmIpMaxPerfLevel(device, 0, ip, level);
+}
+
+DkSmlReturn DkDpm::GetDieDpmIpMaxPerfLevel(IDkDevice* device, unsigned int dieId, DkSmlDpmIp ip, uint32_t* level) {
+    if (device == nullptr || level == nullptr) return DK_SML_ERROR_INVALID_INPUT;
+    if (device->IsVf()) return DK_SML_ERROR_NOT_SUPPORTED;
+    const std::string_view name = DpmIpName(ip);
+    if (name.empty()) return DK_SML_ERROR_INVALID_INPUT;
+    std::string* text = nullptr;
+    const DkSmlReturn result = FetchDpmText(*device, dieId, DRAVIK_SMI_DPMCOUNT, text);
+    if (result != DK_SML_SUCCESS) return result;
+    std::string_view line;
+    if (!FindLineContaining(*text, name, line)) return DK_SML_ERROR_INVALID_INPUT;
+    return MaxLevelFromLine(*device, line, *level);
+}
+
+DkSmlReturn DkDpm::GetDpmMaxPerfLevel(IDkDevice* device, DkSmlDpmForAll* levels) {
+    return GetDieDpmMaxPerfLevel(device, 0, levels);
+}
+
+// Every domain the driver lists; the others read DK_SML_DPM_LEVEL_NONE.
+DkSmlReturn DkDpm::GetDieDpmMaxPerfLevel(IDkDevice* device, unsigned int dieId, DkSmlDpmForAll* levels) {
+    if (device == nullptr || levels == nullptr) return DK_SML_ERROR_INVALID_INPUT;
+    if (device->IsVf()) return DK_SML_ERROR_NOT_SUPPORTED;
+    std::string* text = nullptr;
+    const DkSmlReturn result = FetchDpmText(*device, dieId, DRAVIK_SMI_DPMCOUNT, text);
+    if (result != DK_SML_SUCCESS) return result;
+    DkSmlDpmForAll all{};
+    for (uint32_t ip = 0; ip < DK_SML_DPM_IP_COUNT; ++ip) {
+        all.level[ip] = DK_SML_DPM_LEVEL_NONE;
+        std::string_view value;
+        if (!FindLabelledRow(*text, c_dpmIpNameMap[ip], value)) continue;
+        uint32_t level = 0;
+        // The row's value after a stand-in label: only the count matters.
+        char line[32] = ":";
+        const std::size_t length = value.copy(line + 1, sizeof line - 2);
+        if (length != value.size()) return DK_SML_ERROR_SYSFS;
+        const DkSmlReturn parsed = MaxLevelFromLine(*device, std::string_view(line, length + 1), level);
+        if (parsed != DK_SML_SUCCESS) return parsed;
+        all.level[ip] = level;
+    }
+    *levels = all;
+    return DK_SML_SUCCESS;
+}
+
+DkSmlReturn DkDpm::GetAllDpmMaxPerfLevel(IDkDevice* device, DkSmlDpmMaxForAll* levels) {
+    return GetDieAllDpmMaxPerfLevel(device, 0, levels);
+}
+
+// The limit in force ("dpmcount") with the number of levels the clock table
+// holds ("showclkrange").
+DkSmlReturn DkDpm::GetDieAllDpmMaxPerfLevel(IDkDevice* device, unsigned int dieId, DkSmlDpmMaxForAll* levels) {
+    if (levels == nullptr) return DK_SML_ERROR_INVALID_INPUT;
+    DkSmlDpmForAll limits{};
+    DkSmlReturn result = GetDieDpmMaxPerfLevel(device, dieId, &limits);
+    if (result != DK_SML_SUCCESS) return result;
+    DkSmlDpmInfoForAll info{};
+    result = GetDieDpmClockInfo(device, dieId, &info);
+    if (result != DK_SML_SUCCESS) return result;
+    for (uint32_t ip = 0; ip < DK_SML_DPM_IP_COUNT; ++ip) {
+        levels->maxLevel[ip] = limits.level[ip];
+        levels->levelCount[ip] = info.clock[ip].count;
+    }
+    return DK_SML_SUCCESS;
+}
+
+DkSmlReturn DkDpm::SetDpmMaxPerfLevel(IDkDevice* device, DkSmlDpmIp ip, uint32_t level) {
+    return SetDieDpmMaxPerfLevel(device, 0, ip, level);
+}
+
+// The driver counts levels from 1, so level + 1 is written.
+DkSmlReturn DkDpm::SetDieDpmMaxPerfLevel(IDkDevice* device, unsigned int dieId, DkSmlDpmIp ip, uint32_t level) {
+    if (device == nullptr) return DK_SML_ERROR_INVALID_INPUT;
+    if (device->IsVf()) return DK_SML_ERROR_NOT_SUPPORTED;
+    if (device->IsDkk3() && level > c_dkk3TopLevel) return DK_SML_ERROR_INVALID_INPUT;
+    const uint32_t count = LevelCountOf(SetDpmTableOf(*device), ip);
+    if (count == 0 || level >= count) return DK_SML_ERROR_INVALID_INPUT;
+    return device->SetDriverData(dieId, DRAVIK_SMI_DPMCOUNT, DomainLine(DpmIpName(ip), level + 1));
+}
+
+DkSmlReturn DkDpm::SetK3XcoreMaxPerfLevel(IDkDevice* device, uint32_t level) {
+    return SetK3DieXcoreMaxPerfLevel(device, 0, level);
+}
+
+DkSmlReturn DkDpm::SetK3DieXcoreMaxPerfLevel(IDkDevice* device, unsigned int dieId, uint32_t level) {
+    if (device == nullptr) return DK_SML_ERROR_INVALID_INPUT;
+    if (!device->IsDkk3()) return DK_SML_ERROR_NOT_SUPPORTED;
+    return SetDieDpmMaxPerfLevel(device, dieId, DK_SML_DPM_IP_XCORE, level);
+}
+
+DkSmlReturn DkDpm::GetCurrentDpmIpPerfLevel(IDkDevice* device, DkSmlDpmIp ip, uint32_t* level) {
+    return GetCurrentDieDpmIpPerfLevel(device, 0, ip, level);
+}
+
+DkSmlReturn DkDpm::GetCurrentDieDpmIpPerfLevel(IDkDevice* device, unsigned int dieId, DkSmlDpmIp ip,
+                                               uint32_t* level) {
+    if (device == nullptr || level == nullptr) return DK_SML_ERROR_INVALID_INPUT;
+    if (device->IsVf()) return DK_SML_ERROR_NOT_SUPPORTED;
+    DkSmlDpmPerfLevel row;
+    const DkSmlReturn result = ReadDomainRow(*device, dieId, DRAVIK_SMI_SHOWPERFLEVEL, DpmIpName(ip), row);
+    if (result != DK_SML_SUCCESS) return result;
+    if (row.count != 1) return DK_SML_ERROR_SYSFS;
+    *level = row.values[0];
+    return DK_SML_SUCCESS;
+}
+
+DkSmlReturn DkDpm::GetDpmCurPerfLevel(IDkDevice* device, DkSmlDpmForAll* levels) {
+    return GetDieDpmCurPerfLevel(device, 0, levels);
+}
+
+DkSmlReturn DkDpm::GetDieDpmCurPerfLevel(IDkDevice* device, unsigned int dieId, DkSmlDpmForAll* levels) {
+    if (device == nullptr || levels == nullptr) return DK_SML_ERROR_INVALID_INPUT;
+    if (device->IsVf()) return DK_SML_ERROR_NOT_SUPPORTED;
+    DkSmlDpmPerfLevel rows[DK_SML_DPM_IP_COUNT];
+    const DkSmlReturn result = ReadAllDomainRows(*device, dieId, DRAVIK_SMI_SHOWPERFLEVEL, "", rows);
+    if (result != DK_SML_SUCCESS) return result;
+    for (uint32_t ip = 0; ip < DK_SML_DPM_IP_COUNT; ++ip)
+        levels->level[ip] = rows[ip].count == 1 ? rows[ip].values[0] : DK_SML_DPM_LEVEL_NONE;
+    return DK_SML_SUCCESS;
+}
+
+DkSmlReturn DkDpm::SetDpmPerfLevel(IDkDevice* device, DkSmlDpmIp ip, uint32_t level) {
+    return SetDieDpmPerfLevel(device, 0, ip, level);
+}
+
+// Unlike the maximum-level write, the current level is written as it is:
+// "setperflevel" counts from 0.
+DkSmlReturn DkDpm::SetDieDpmPerfLevel(IDkDevice* device, unsigned int dieId, DkSmlDpmIp ip, uint32_t level) {
+    if (device == nullptr) return DK_SML_ERROR_INVALID_INPUT;
+    const DkDpmIpTable* table = nullptr;
+    switch (device->GetDeviceBrand()) {
+        case DK_SML_BRAND_DKK:
+        case DK_SML_BRAND_DKK_X: table = &SetDpmTableOf(*device); break;
+        case DK_SML_BRAND_DKQ: table = &c_setDkqDpmIpMap; break;
+        default: return DK_SML_ERROR_NOT_SUPPORTED;
+    }
+    const uint32_t count = LevelCountOf(*table, ip);
+    if (count == 0 || level >= count) return DK_SML_ERROR_INVALID_INPUT;
+    return device->SetDriverData(dieId, DRAVIK_SMI_SETPERFLEVEL, DomainLine(DpmIpName(ip), level));
+}
+
+DkSmlReturn DkDpm::SetDpmPerfLevelRotation(IDkDevice* device, DkSmlDpmIp ip) {
+    if (device == nullptr) return DK_SML_ERROR_INVALID_INPUT;
+    if (device->IsVf()) return DK_SML_ERROR_NOT_SUPPORTED;
+    const uint32_t steps = DpmIpName(ip) == "npu" ? c_npuRotationLevels : c_rotationLevels;
+    for (uint32_t level = 0; level < steps; ++level) (void)SetDpmPerfLevel(device, ip, level);
+    return DK_SML_SUCCESS;
+}
 
 }  // namespace dksml

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "dksml.h"
+#include "driver/dk_opcode.h"
 
 namespace dksml {
 
@@ -28,9 +29,18 @@ public:
     virtual DkSmlReturn SetDiePowerMode(IDkDevice* device, unsigned int dieId, uint32_t mode);
     virtual DkSmlReturn GetBoardPowerLimitInfo(IDkDevice* device, DkSmlBoardPowerLimitInfo* info);
     virtual DkSmlReturn SetBoardPowerLimit(IDkDevice* device, uint32_t limit);
+    // Readings of a board whose devices report them through one of them only.
     virtual DkSmlReturn GetMasterDieBoardElectricInfo(IDkDevice* device, std::vector<unsigned int>& values);
-    // Board power limit in one unit for every model.
-    virtual DkSmlReturn GetBoardPowerLimit(IDkDevice* device, uint32_t* limit);
+
+    // Value of `unit` in one PMBus attribute of a die; 3 when no key carries it.
+    DkSmlReturn ReadPmbusValue(IDkDevice* device, unsigned int dieId, dravik_smi_opcode op, DkSmlPmbusUnit unit,
+                               uint32_t& value);
+    // Board power limit in one unit for every model (the "capability" unit).
+    DkSmlReturn GetBoardPowerLimit(IDkDevice* device, uint32_t* limit);
+    DkSmlReturn GetBoardPowerLimit_v2(IDkDevice* device, uint32_t* limit);
+    // Instances of `ip` on this model; 10 with the needed number in `count`
+    // when the caller's capacity is smaller.
+    DkSmlReturn GetArraySize(IDkDevice* device, DkSmlDpmIp ip, uint32_t* count);
 };
 
 }  // namespace dksml

@@ -33,12 +33,17 @@ public:
     virtual std::string GetRealFile(const std::string& path) = 0;
 };
 
+// The driver's debug directory (host path); its "proc" subdirectory holds one
+// directory per client process.
+inline constexpr const char* c_dkcdDebugDir = "/sys/kernel/debug/dkcd";
+
 class DkProcessManagementFactory {
 public:
-    // The Linux implementation for the first device's brand, reading the
-    // driver's client directories below `dkcdPath`.
-    static std::shared_ptr<IDkProcessManagement> CreateProcessManagement(DkSmlDeviceBrand brand,
-                                                                         const std::string& dkcdPath);
+    // The Linux implementation, reading the client directories below
+    // `debugDir` (a host path) and leaving out idle clients at or below
+    // `memoryThreshold` (see dk_process_threshold.h).
+    static std::shared_ptr<IDkProcessManagement> CreateProcessManagement(uint64_t memoryThreshold,
+                                                                         const std::string& debugDir = c_dkcdDebugDir);
 };
 
 }  // namespace dksml

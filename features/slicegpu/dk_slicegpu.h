@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "dksml.h"
 
@@ -38,6 +39,15 @@ public:
     virtual DkSmlReturn SetSgpuAlias(IDkDevice* device, uint32_t sgpuId, const char* alias);
     virtual DkSmlReturn GetAnnotationsId(IDkDevice* device, uint32_t sgpuId, char* id, uint32_t* size);
     virtual DkSmlReturn GetSchedulingLatency(IDkDevice* device, uint32_t sgpuId, int32_t* values, uint32_t* count);
+
+    // The id the driver gives the next slice: the lowest id without an
+    // "sgpu<id>" directory (0 when the directory cannot be listed).
+    uint32_t GetExpectedSgpuId(IDkDevice* device);
+
+private:
+    // 0 in slice mode, 3 in native mode, the read failure otherwise.
+    DkSmlReturn CheckSgpuMode(IDkDevice* device);
+    DkSmlReturn WriteChecked(IDkDevice* device, const std::string& path, uint32_t value);
 };
 
 }  // namespace dksml

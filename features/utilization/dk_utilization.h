@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "dksml.h"
 
@@ -24,6 +25,16 @@ public:
     virtual DkSmlReturn GetDieApUsageToggle(IDkDevice* device, unsigned int dieId, uint32_t* state);
     virtual DkSmlReturn SetApUsageToggle(IDkDevice* device, bool on);
     virtual DkSmlReturn SetDieApUsageToggle(IDkDevice* device, unsigned int dieId, bool on);
+
+    // Mean of the whitespace-separated samples up to the first negative one
+    // (the driver's end marker); -1 for no samples at all, 0 when the first
+    // is the marker.
+    static int32_t GetAverageUsage(std::string_view samples);
+    DkSmlReturn GetXcoreUsage(IDkDevice* device, unsigned int dieId, int32_t* usage);
+    // 4 when "deviceinfo" lacks either count: the table cannot be sized.
+    DkSmlReturn GetDpcAndApPerDpcNum(IDkDevice* device, unsigned int dieId, uint32_t* dpcCount, uint32_t* apPerDpc);
+    // A DPC line of nothing but "ff" tokens (or none) is fused off.
+    static bool IsHarvestDpc(std::string_view apTokens);
 };
 
 }  // namespace dksml

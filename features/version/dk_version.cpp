@@ -1,18 +1,121 @@
+// Device, die and firmware-unit versions read from the driver.
 #include "features/version/dk_version.h"
 
+#include <string>
+
+#include "core/idk_device.h"
+#include "driver/dk_text.h"
+#include "features/version/dk_version_text.h"
+
 namespace dksml {
+namespace {
 
-// The driver side of these operations is not wired up in this version: each
-// answers DK_SML_ERROR_NOT_SUPPORTED so callers see a clear status.
+// The text of a request of a die into the reused per-thread buffer.
+DkSmlReturn FetchVersionText(IDkDevice& device, unsigned int dieId, dravik_smi_opcode op, std::string*& text) {
+    thread_local std::string scratch;
+    text = &scratch;
+    return device.FetchDriverData(dieId, op, scratch);
+}
 
-DkSmlReturn DkVersion::GetVersion(IDkDevice*, DkSmlVersion*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkVersion::GetDieVersion(IDkDevice*, unsigned int, DkSmlVersion*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkVersion::GetDieUnitVersion(IDkDevice*, unsigned int, DkSmlVersionUnit, char*, uint32_t*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkVersion::GetBiosVersion(const std::string&, char*, uint32_t*) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkVersion::GetPptableVersion(IDkDevice*, char*, uint32_t) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkVersion::GetDiePptableVersion(IDkDevice*, unsigned int, char*, uint32_t) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkVersion::GetVornVersion(char*, uint32_t) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkVersion::GetDkqVornVersion(char*, uint32_t) { return DK_SML_ERROR_NOT_SUPPORTED; }
-DkSmlReturn DkVersion::GetDkkVornVersion(char*, uint32_t) { return DK_SML_ERROR_NOT_SUPPORTED; }
+// The copy rule on one request.
+DkSmlReturn GetVersionInfo(IDkDevice& device, unsigned int dieId, dravik_smi_opcode op, char* buffer,
+                           uint32_t* size) {
+    PutText(c_unknown, buffer, *size);
+    std::string* text = nullptr;
+    const DkSmlReturn result = FetchVersionText(device, dieId, op, text);
+    if (result != DK_SML_SUCCESS) return result;
+    return CopyVersionValue(VersionValue(*text), buffer, size);
+}
+
+// The compute stack each brand ships.
+enum class DkStack { Dkq, Dkk, None };
+
+DkStack StackOfBrand(DkSmlDeviceBrand brand) {
+    switch (brand) {
+        case DK_SML_BRAND_DKQ: return DkStack::Dkq;
+        case DK_SML_BRAND_DKK:
+        case DK_SML_BRAND_DKK_X: return DkStack::Dkk;
+        default: return DkStack::None;
+    }
+}
+
+}  // namespace
+
+DkSmlReturn DkVersion::GetVersion(IDkDevice* device, DkSmlVersion* version) {
+    return GetDieVersion(device, 0, version);
+}
+
+DkSmlReturn DkVersion::GetDieVersion(IDkDevice* device, unsigned int dieId, DkSmlVersion* version) {
+    if (device == nullptr || version == nullptr) return DK_SML_ERROR_INVALID_INPUT;
+    PutText(c_unknown, version->vbiosVersion, DK_SML_VERSION_LENGTH);
+    PutText(c_unknown, version->driverVersion, DK_SML_VERSION_LENGTH);
+    PutText(c_unknown, version->vornVersion, DK_SML_VERSION_LENGTH);
+    InitFirmwareRecord(version->fwVersion);
+
+    std::string* text = nullptr;
+    DkSmlReturn result = FetchVersionText(*device, dieId, DRAVIK_SMI_SHOWFWINFO, text);
+    if (result != DK_SML_SUCCESS) return result;
+    result = FillFirmwareRecord(*text, version->fwVersion);
+    if (result != DK_SML_SUCCESS) return result;
+
+    uint32_t size = DK_SML_VERSION_LENGTH;
+    result = GetVersionInfo(*device, dieId, DRAVIK_SMI_SHOWVBIOS, version->vbiosVersion, &size);
+    if (result != DK_SML_SUCCESS) return result;
+    size = DK_SML_VERSION_LENGTH;
+    result = GetVersionInfo(*device, dieId, DRAVIK_SMI_SHOWDRIVERVERSION, version->driverVersion, &size);
+    if (result != DK_SML_SUCCESS) return result;
+
+    switch (StackOfBrand(device->GetDeviceBrand())) {
+        case DkStack::Dkq: return GetDkqVornVersion(version->vornVersion, DK_SML_VERSION_LENGTH);
+        case DkStack::Dkk: return GetDkkVornVersion(version->vornVersion, DK_SML_VERSION_LENGTH);
+        case DkStack::None: break;
+    }
+    return DK_SML_ERROR_NOT_SUPPORTED;
+}
+
+DkSmlReturn DkVersion::GetDieUnitVersion(IDkDevice* device, unsigned int dieId, DkSmlVersionUnit unit, char* buffer,
+                                         uint32_t* size) {
+    if (device == nullptr || buffer == nullptr || size == nullptr) return DK_SML_ERROR_INVALID_INPUT;
+    if (unit == DK_SML_VERSION_VBIOS) return GetVersionInfo(*device, dieId, DRAVIK_SMI_SHOWVBIOS, buffer, size);
+    if (unit == DK_SML_VERSION_DRIVER)
+        return GetVersionInfo(*device, dieId, DRAVIK_SMI_SHOWDRIVERVERSION, buffer, size);
+    PutText(c_unknown, buffer, *size);
+    const std::string_view key = FwUnitKey(unit);
+    if (key.empty()) return DK_SML_ERROR_INVALID_INPUT;
+    std::string* text = nullptr;
+    DkSmlReturn result = FetchVersionText(*device, dieId, DRAVIK_SMI_SHOWFWINFO, text);
+    if (result != DK_SML_SUCCESS) return result;
+    std::string_view value;
+    result = FindFirmwareValue(*text, key, value);
+    if (result != DK_SML_SUCCESS) return result;
+    return CopyVersionValue(value, buffer, size);
+}
+
+DkSmlReturn DkVersion::GetBiosVersion(const std::string& smiPath, char* buffer, uint32_t* size) {
+    if (buffer == nullptr || size == nullptr) return DK_SML_ERROR_INVALID_INPUT;
+    PutText(c_unknown, buffer, *size);
+    std::string text;
+    const DkSmlReturn result = ReadFileText(smiPath + "showvbios", text);
+    if (result != DK_SML_SUCCESS) return result;
+    return CopyVersionValue(VersionValue(text), buffer, size);
+}
+
+DkSmlReturn DkVersion::GetPptableVersion(IDkDevice* device, char* buffer, uint32_t size) {
+    return GetDiePptableVersion(device, 0, buffer, size);
+}
+
+DkSmlReturn DkVersion::GetDiePptableVersion(IDkDevice* device, unsigned int dieId, char* buffer, uint32_t size) {
+    return GetDiePptableVersionText(device, dieId, buffer, &size);
+}
+
+DkSmlReturn DkVersion::GetDiePptableVersionText(IDkDevice* device, unsigned int dieId, char* buffer,
+                                                uint32_t* size) {
+    if (device == nullptr || buffer == nullptr || size == nullptr) return DK_SML_ERROR_INVALID_INPUT;
+    if (device->IsVf()) {
+        PutText(c_unknown, buffer, *size);
+        return DK_SML_ERROR_NOT_SUPPORTED;
+    }
+    return GetVersionInfo(*device, dieId, DRAVIK_SMI_SHOWPPTABLEVERSION, buffer, size);
+}
 
 }  // namespace dksml

@@ -25,6 +25,9 @@ public:
     virtual DkSmlReturn GetVornVersion(char* buffer, uint32_t size);
     virtual DkSmlReturn GetDkqVornVersion(char* buffer, uint32_t size);
     virtual DkSmlReturn GetDkkVornVersion(char* buffer, uint32_t size);
+
+    // The power-play table version by the copy rule, the size in and out.
+    DkSmlReturn GetDiePptableVersionText(IDkDevice* device, unsigned int dieId, char* buffer, uint32_t* size);
 };
 
 }  // namespace dksml

@@ -57,7 +57,7 @@ TEST(LimitedDevices, UnreadablePowerStateFileIsInaccessibleSysfs) {
     EXPECT_STREQ(InfoOf(1).bdfId, "0000:1e:00.0");  // the rest move up
     ASSERT_EQ(LimitedIndices(), (std::vector<uint32_t>{4, 5}));
     EXPECT_STREQ(LimitedInfoOf(4).bdfId, "0000:1c:00.0");
-    EXPECT_EQ(LimitedInfoOf(4).vendorId, 0x1e3bu);
+    EXPECT_EQ(LimitedInfoOf(4).vendorId, 0x1e28u);
     DkSmlDeviceUnavailableReasonInfo reason = ReasonOf(4);
     EXPECT_EQ(reason.reason, 102u);
     EXPECT_STREQ(reason.reasonText, "Dravik Sysfs File Unaccessible");

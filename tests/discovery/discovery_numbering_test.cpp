@@ -12,6 +12,8 @@
 namespace dksml::test {
 namespace {
 
+const void* HandleValue(uint64_t handle) { return reinterpret_cast<const void*>(static_cast<uintptr_t>(handle)); }
+
 // The server host in PCI order: five physical GPUs, a DKK2 that hosts two
 // virtual functions and a DKK1 without "pcipowerstate".
 struct ExpectedDevice {
@@ -104,23 +106,23 @@ TEST(ServerDiscovery, NumbersDiesAcrossDevices) {
     } expected[] = {{0, 0, 0}, {1, 0, 1}, {2, 1, 0}, {3, 2, 0}, {4, 3, 0}, {5, 3, 1}, {6, 4, 0}};
     for (const auto& row : expected) {
         SCOPED_TRACE(row.vornId);
-        DkDieInfo* die = manager.GetDieByVornId(row.vornId);
+        const DkDieInfo* die = manager.GetDieByVornId(row.vornId);
         ASSERT_NE(die, nullptr);
         EXPECT_EQ(die->device->GetDeviceId(), row.deviceIndex);
         EXPECT_EQ(die->dieIndex, row.die);
-        EXPECT_TRUE(manager.CheckDeviceHandle(die));
+        EXPECT_EQ(manager.FindDieByHandle(HandleValue(die->handle)), die);
     }
     EXPECT_EQ(manager.GetDieByVornId(7), nullptr);
     EXPECT_EQ(manager.GetDieByVornId(100), nullptr);  // a virtual function has no compute-stack number
-    DkDieInfo* vf = manager.GetDieBySmlId(100);
+    const DkDieInfo* vf = manager.GetDieBySmlId(100);
     ASSERT_NE(vf, nullptr);
     EXPECT_EQ(vf->device->GetBdfId(), "0000:1e:00.1");
     EXPECT_EQ(manager.GetDieBySmlId(3), manager.GetDieByVornId(4));
     EXPECT_EQ(manager.GetDieBySmlId(5), nullptr);  // limited
 
     DkDieInfo stranger;
-    EXPECT_FALSE(manager.CheckDeviceHandle(&stranger));
-    EXPECT_FALSE(manager.CheckDeviceHandle(nullptr));
+    EXPECT_EQ(manager.FindDieByHandle(&stranger), nullptr);
+    EXPECT_EQ(manager.FindDieByHandle(nullptr), nullptr);
 }
 
 TEST(ServerDiscovery, FindsDevicesByAnySpellingOfTheirBusId) {
@@ -155,21 +157,21 @@ TEST(ServerDiscovery, RediscoveryRenumbersAndInvalidatesHandles) {
     vhost::ScopedHost host("server"sv);
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
     auto& manager = DkSystemManager::GetInstance();
-    DkDieInfo* oldHandle = manager.GetDieByVornId(0);
-    ASSERT_NE(oldHandle, nullptr);
+    ASSERT_NE(manager.GetDieByVornId(0), nullptr);
+    const void* oldHandle = HandleValue(manager.GetDieByVornId(0)->handle);
 
     host.Remove(DevicePath("0000:1b:00.0"));
     EXPECT_EQ(dkSmlInit(), DK_SML_SUCCESS);  // flags 0: no new pass
     EXPECT_EQ(dkSmlGetDeviceCount(), 5u);
-    EXPECT_TRUE(manager.CheckDeviceHandle(oldHandle));
+    EXPECT_NE(manager.FindDieByHandle(oldHandle), nullptr);
 
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
     EXPECT_EQ(dkSmlGetDeviceCount(), 4u);
-    EXPECT_FALSE(manager.CheckDeviceHandle(oldHandle));
+    EXPECT_EQ(manager.FindDieByHandle(oldHandle), nullptr);
     EXPECT_STREQ(InfoOf(0).bdfId, "0000:1c:00.0");
     EXPECT_STREQ(InfoOf(100).bdfId, "0000:1e:00.1");
     EXPECT_EQ(LimitedIndices(), std::vector<uint32_t>{4});
-    DkDieInfo* first = manager.GetDieByVornId(0);
+    const DkDieInfo* first = manager.GetDieByVornId(0);
     ASSERT_NE(first, nullptr);
     EXPECT_EQ(first->device->GetBdfId(), "0000:1c:00.0");
     EXPECT_EQ(manager.GetDieByVornId(5), nullptr);  // one die fewer
@@ -208,7 +210,7 @@ TEST(EmptyDiscovery, FindsNothingAndStaysUninitialised) {
 
 TEST(VendorOverride, AcceptsOnlyTheConfiguredVendor) {
     vhost::ScopedHost host("server"sv);
-    host.WriteFile("/opt/smi/etc/vendorid", "0x1e3b\n");  // the partner board only
+    host.WriteFile("/opt/smi/etc/vendorid", "0x1e28\n");  // the partner board only
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
     EXPECT_EQ(dkSmlGetDeviceCount(), 1u);
     EXPECT_STREQ(InfoOf(0).bdfId, "0000:1c:00.0");

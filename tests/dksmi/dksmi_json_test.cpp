@@ -64,7 +64,7 @@ std::vector<uint32_t> Numbers(const std::string& text) {
 TEST_F(DksmiJson, ServerDocumentHasTheSchemaFields) {
     ScopedHost host("server"sv);
     const json document = RunJson("");
-    EXPECT_EQ(document["schema_version"], 1);
+    EXPECT_EQ(document["schema_version"], 2);
     EXPECT_TRUE(document["error"].is_null());
     EXPECT_EQ(document["library_status"]["code"], 0);
     ASSERT_TRUE(document["devices"].is_array());

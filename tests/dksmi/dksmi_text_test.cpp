@@ -70,7 +70,7 @@ TEST_F(DksmiText, WatchWithCountEmitsOneJsonDocumentPerRedraw) {
     std::istringstream lines(run.out);
     size_t documents = 0;
     for (std::string line; std::getline(lines, line); ++documents)
-        EXPECT_EQ(json::parse(line)["schema_version"], 1);
+        EXPECT_EQ(json::parse(line)["schema_version"], 2);
     EXPECT_EQ(documents, 3u);
 }
 

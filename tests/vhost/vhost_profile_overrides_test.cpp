@@ -68,7 +68,7 @@ TEST(ProfileOverrides, IdentityFollowsTheProductTable) {
     profile["devices"].push_back(
         {{"bus_id", "0000:3b:00.4"}, {"function", "vf"}, {"model", "DKK6-A"}, {"parent", "0000:3b:00.0"}});
     const ScopedHost host(profile);
-    EXPECT_EQ(host.ReadFile(c_dir + "/vendor"), "0x1e3b\n");
+    EXPECT_EQ(host.ReadFile(c_dir + "/vendor"), "0x1e28\n");
     EXPECT_EQ(host.ReadFile(c_dir + "/device"), "0x1601\n");
     EXPECT_EQ(host.ReadFile("/sys/bus/pci/devices/0000:3b:00.4/device"), "0x1681\n");
     EXPECT_EQ(host.ReadFile("/sys/bus/pci/devices/0000:3b:00.4/smi/showcardname"), "DKK6-A VF\n");

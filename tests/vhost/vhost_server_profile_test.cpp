@@ -47,7 +47,7 @@ protected:
 
 ScopedHost* ServerProfile::s_host = nullptr;
 
-bool IsMakerVendor(const std::string& vendor) { return vendor == "0x1e27\n" || vendor == "0x1e3b\n"; }
+bool IsMakerVendor(const std::string& vendor) { return vendor == "0x1e27\n" || vendor == "0x1e28\n"; }
 
 TEST_F(ServerProfile, FiveUsablePhysicalDevicesOneLimitedTwoVirtualFunctions) {
     const std::set<std::string> located = LayoutLocations();
@@ -84,7 +84,7 @@ TEST_F(ServerProfile, HostingFunctionListsItsVirtualFunctions) {
 }
 
 TEST_F(ServerProfile, ModelVariations) {
-    EXPECT_EQ(Read(Device("0000:1c:00.0") + "/vendor"), "0x1e3b\n");
+    EXPECT_EQ(Read(Device("0000:1c:00.0") + "/vendor"), "0x1e28\n");
     EXPECT_TRUE(Exists(Device("0000:1b:00.0") + "/smi1"));
     EXPECT_FALSE(Exists(Device("0000:1c:00.0") + "/smi1"));
     EXPECT_NE(Read(Device("0000:1b:00.0") + "/smi1/showtopology").find("die_id: 1"), std::string::npos);

@@ -92,7 +92,7 @@ TEST(ShippedProfiles, EmptyHostHasNoMakerFunction) {
     for (const fs::directory_entry& entry : fs::directory_iterator(host.Path("/sys/bus/pci/devices"))) {
         const std::string vendor = host.ReadFile("/sys/bus/pci/devices/" + entry.path().filename().string() + "/vendor");
         EXPECT_NE(vendor, "0x1e27\n");
-        EXPECT_NE(vendor, "0x1e3b\n");
+        EXPECT_NE(vendor, "0x1e28\n");
     }
 }
 

@@ -1,10 +1,14 @@
 #include "collect.h"
+#include "topo_collect.h"
+#include "collect_versions.h"
 
 #include <algorithm>
 #include <array>
 #include <map>
 
 #include "internal_reader.h"
+#include "processes_collect.h"
+#include "power_collect.h"
 
 namespace dksmi {
 namespace {
@@ -124,6 +128,8 @@ DieReport CollectDie(uint32_t index, uint32_t die) {
 
     std::vector<DkSmlVmInfo> voltage;
     if (ReadDieVoltageMonitor(index, die, voltage) == DK_SML_SUCCESS) report.voltageMonitorRaw = ToVoltageRows(voltage);
+    report.perfLevels = CollectPerfLevels(index, die);
+    CollectDiePower(index, die, report.power);
     return report;
 }
 
@@ -173,7 +179,10 @@ std::optional<DeviceReport> CollectDevice(uint32_t index) {
     report.throttleMask = ReadValue<uint64_t>(
         [&](uint64_t* mask) { return dkSmlGetCurrentClocksThrottleReason(index, DK_SML_DIE_ALL, mask); });
 
+    CollectDevicePower(index, report.power);
     for (uint32_t die = 0; die < report.dieCount.value_or(0); ++die) report.dies.push_back(CollectDie(index, die));
+    CollectPcieAndLinks(index, report);
+    CollectDeviceVersions(report);
     return report;
 }
 
@@ -236,13 +245,18 @@ Snapshot Collect(DkSmlReturn initStatus) {
     Snapshot snapshot;
     snapshot.initStatus = initStatus;
     for (uint32_t index : DeviceIndices()) {
-        if (std::optional<DeviceReport> device = CollectDevice(index)) snapshot.devices.push_back(std::move(*device));
+        if (std::optional<DeviceReport> device = CollectDevice(index)) {
+            CollectSlices(*device);
+            snapshot.devices.push_back(std::move(*device));
+        }
     }
     LinkVirtualFunctionsToParents(snapshot.devices);
+    CollectSystemVersions(snapshot);
     for (uint32_t index : LimitedDeviceIndices()) {
         if (std::optional<LimitedDeviceReport> limited = CollectLimitedDevice(index))
             snapshot.limitedDevices.push_back(std::move(*limited));
     }
+    CollectProcesses(snapshot);
     return snapshot;
 }
 

@@ -3,17 +3,37 @@
 #include <nlohmann/json.hpp>
 
 #include "names.h"
+#include "processes_render.h"
+#include "topo_render.h"
+#include "power_render.h"
 
 namespace dksmi {
 namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr int kSchemaVersion = 1;
+constexpr int kSchemaVersion = 2;
 
 template <typename T>
 Json OrNull(const std::optional<T>& value) {
     return value ? Json(*value) : Json(nullptr);
+}
+
+Json PerfLevelsJson(const DieReport& die) {
+    if (!die.perfLevels) return nullptr;
+    Json levels = Json::object();
+    for (const PerfLevelReading& level : *die.perfLevels)
+        levels[level.ip] = Json{{"current", OrNull(level.current)}, {"max", OrNull(level.maximum)}};
+    return levels;
+}
+
+Json VersionsJson(const DeviceReport& device) {
+    Json firmware = Json::object();
+    for (const FirmwareVersion& unit : device.firmware) firmware[unit.unit] = OrNull(unit.version);
+    return Json{{"driver", OrNull(device.driverVersion)},
+                {"vbios", OrNull(device.vbiosVersion)},
+                {"compute_stack", OrNull(device.computeStackVersion)},
+                {"firmware", firmware}};
 }
 
 Json DieJson(const DieReport& die) {
@@ -27,7 +47,7 @@ Json DieJson(const DieReport& die) {
         temperatures = Json::object();
         for (const TemperatureReading& t : *die.temperatures) temperatures[t.name] = OrNull(t.celsius);
     }
-    return Json{
+    Json out{
         {"die", die.die},
         {"throttle_reasons_mask", OrNull(die.throttleMask)},
         {"clocks_mhz", clocks},
@@ -35,13 +55,16 @@ Json DieJson(const DieReport& die) {
         {"hottest_sensor_index", OrNull(die.hottestSensorIndex)},
         {"sensor_table_c", OrNull(die.sensorTableC)},
         {"voltage_monitor_raw", OrNull(die.voltageMonitorRaw)},
+        {"performance_levels", PerfLevelsJson(die)},
     };
+    AddDiePowerJson(out, die.power);
+    return out;
 }
 
 Json DeviceJson(const DeviceReport& device) {
     Json dies = Json::array();
     for (const DieReport& die : device.dies) dies.push_back(DieJson(die));
-    return Json{
+    Json out{
         {"index", device.index},
         {"name", device.name},
         {"bus_id", device.busId},
@@ -55,8 +78,16 @@ Json DeviceJson(const DeviceReport& device) {
         {"fan_rpm", OrNull(device.fanRpm)},
         {"fan_duty", OrNull(device.fanDuty)},
         {"throttle_reasons_mask", OrNull(device.throttleMask)},
-        {"dies", dies},
+        {"versions", VersionsJson(device)},
+        {"process_count", OrNull(device.processCount)},
+        {"slice_mode", OrNull(device.sliceMode)},
+        {"slices", SlicesJson(device)},
+        {"pcie", PcieJson(device.pcie)},
+        {"interconnect", LinksJson(device.links)},
     };
+    AddDevicePowerJson(out, device.power);
+    out["dies"] = dies;
+    return out;
 }
 
 Json LimitedDeviceJson(const LimitedDeviceReport& d) {
@@ -85,8 +116,11 @@ std::string RenderJson(const Snapshot& snapshot, const Outcome& outcome, bool co
         {"library_status",
          Json{{"code", static_cast<uint32_t>(snapshot.initStatus)}, {"text", StatusText(snapshot.initStatus)}}},
         {"error", error},
+        {"library_version", snapshot.libraryVersion.empty() ? Json(nullptr) : Json(snapshot.libraryVersion)},
+        {"driver_version", OrNull(snapshot.driverVersion)},
         {"devices", devices},
         {"limited_devices", limited},
+        {"processes", ProcessesJson(snapshot)},
     };
     // Names come from driver files: never let a stray byte abort the dump.
     return document.dump(compact ? -1 : 2, ' ', false, Json::error_handler_t::replace) + "\n";

@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <string_view>
 
 #include <fmt/format.h>
 
@@ -10,7 +11,10 @@
 #include "json_render.h"
 #include "options.h"
 #include "outcome.h"
+#include "processes_render.h"
+#include "set_command.h"
 #include "text_render.h"
+#include "topo_command.h"
 #include "watch.h"
 
 namespace dksmi {
@@ -28,7 +32,9 @@ int DrawOnce(DkSmlReturn initStatus, const Options& options, bool clearFirst) {
     if (options.json)
         text = RenderJson(snapshot, outcome, options.watchSeconds.has_value());
     else
-        text = options.index ? RenderDetail(snapshot) : RenderSummary(snapshot);
+        text = options.processes ? RenderProcesses(snapshot, options.sortByMemory ? ProcessOrder::Memory : ProcessOrder::Pid)
+               : options.index   ? RenderDetail(snapshot)
+                                 : RenderSummary(snapshot);
     if (clearFirst) text = kClearScreen + text;
     fmt::print("{}", text);
     std::fflush(stdout);
@@ -37,6 +43,8 @@ int DrawOnce(DkSmlReturn initStatus, const Options& options, bool clearFirst) {
 }
 
 int Run(int argc, char** argv) {
+    if (argc > 1 && std::string_view(argv[1]) == "topo") return RunTopo(argc - 1, argv + 1);
+    if (argc > 1 && std::string_view(argv[1]) == "set") return RunSet(argc - 1, argv + 1);
     const ParseResult parsed = ParseOptions(argc, argv);
     if (const int* exitNow = std::get_if<int>(&parsed)) return *exitNow;
     const Options& options = std::get<Options>(parsed);

@@ -45,6 +45,13 @@ ParseResult ParseOptions(int argc, char** argv) {
                                    ->check(kPositive)
                                    ->needs(watchOption);
 
+    app.add_flag("-p,--processes", options.processes, "List the processes using the GPUs");
+    std::string sort = "pid";
+    app.add_option("--sort", sort, "Order of the process list: pid or memory (largest first)")
+        ->check(CLI::IsMember({"pid", "memory"}));
+    CLI::App* processes = app.add_subcommand("processes", "List the processes using the GPUs (as -p)");
+    processes->fallthrough();
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -54,6 +61,8 @@ ParseResult ParseOptions(int argc, char** argv) {
     if (indexOption->count() > 0) options.index = index;
     if (watchOption->count() > 0) options.watchSeconds = watchSeconds;
     if (countOption->count() > 0) options.count = count;
+    options.processes = options.processes || processes->parsed();
+    options.sortByMemory = sort == "memory";
     return options;
 }
 

@@ -12,6 +12,8 @@ struct Options {
     bool json = false;
     std::optional<double> watchSeconds; // --watch: redraw period
     std::optional<uint32_t> count;      // --count: redraws before leaving watch mode
+    bool processes = false;             // `processes` or -p: the process list
+    bool sortByMemory = false;          // --sort memory
 };
 
 // Either the options, or the exit code to leave with at once (help, usage error).

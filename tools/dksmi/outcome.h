@@ -18,6 +18,7 @@ enum ExitCode : int {
     kExitNoGpu = 4,             // no GPU found at all
     kExitNoSuchDevice = 5,      // -i names an index that does not exist
     kExitNoUsableGpu = 6,       // GPUs present, none can be served (driver loaded)
+    kExitRefused = 7,           // dksmi set: not root, or the device refused a setting
 };
 
 struct Outcome {

@@ -8,6 +8,9 @@
 #include <fmt/ranges.h>
 
 #include "names.h"
+#include "processes_render.h"
+#include "topo_render.h"
+#include "power_render.h"
 
 namespace dksmi {
 namespace {
@@ -92,11 +95,36 @@ public:
         for (size_t r = 0; r < rows->size(); ++r)
             Field(depth + 1, fmt::format("row {}", r), fmt::format("{}", fmt::join((*rows)[r], " ")));
     }
+    void Lines(int depth, const std::vector<PowerDetailLine>& lines) {
+        for (const PowerDetailLine& line : lines) {
+            if (line.value) {
+                Field(depth + line.depth, line.label, *line.value);
+            } else {
+                Heading(depth + line.depth, line.label);
+            }
+        }
+    }
     std::string Take() { return std::move(m_out); }
 
 private:
     std::string m_out;
 };
+
+// One "current / maximum" line per DPM domain the die reports.
+void WritePerfLevels(DetailWriter& w, const DieReport& die) {
+    if (!die.perfLevels) return w.Field(2, "Performance levels", kNotAvailable);
+    w.Heading(2, "Performance levels (current / max)");
+    for (const PerfLevelReading& level : *die.perfLevels)
+        w.Field(3, level.ip, fmt::format("{} / {}", OrNa(level.current), OrNa(level.maximum)));
+}
+
+void WriteVersions(DetailWriter& w, const DeviceReport& device) {
+    w.Heading(1, "Versions");
+    w.Field(2, "Driver", OrNa(device.driverVersion));
+    w.Field(2, "VBIOS", OrNa(device.vbiosVersion));
+    w.Field(2, "Compute stack", OrNa(device.computeStackVersion));
+    for (const FirmwareVersion& unit : device.firmware) w.Field(2, "Firmware " + unit.unit, OrNa(unit.version));
+}
 
 void WriteDie(DetailWriter& w, const DieReport& die) {
     w.Heading(1, fmt::format("Die {}", die.die));
@@ -116,6 +144,8 @@ void WriteDie(DetailWriter& w, const DieReport& die) {
     }
     w.Rows(2, "Sensor table (C)", die.sensorTableC);
     w.Rows(2, "Voltage monitor (raw)", die.voltageMonitorRaw);
+    WritePerfLevels(w, die);
+    w.Lines(2, DiePowerDetail(die.power));
 }
 
 void WriteDevice(DetailWriter& w, const DeviceReport& device) {
@@ -132,7 +162,14 @@ void WriteDevice(DetailWriter& w, const DeviceReport& device) {
     w.Field(1, "Fan", device.fanRpm ? fmt::format("{} RPM, duty {}", *device.fanRpm, OrNa(device.fanDuty))
                                     : kNotAvailable);
     w.Field(1, "Throttle reasons", HexOrNa(device.throttleMask));
+    w.Field(1, "Processes", OrNa(device.processCount));
+    w.Field(1, "Slice mode", device.sliceMode ? (*device.sliceMode ? "on" : "off") : kNotAvailable);
+    if (!device.slices.empty()) w.Heading(1, "Slices");
+    for (const SliceReport& slice : device.slices) w.Field(2, fmt::format("slice {}", slice.id), SliceLine(slice));
+    WriteVersions(w, device);
+    w.Lines(1, DevicePowerDetail(device.power));
     for (const DieReport& die : device.dies) WriteDie(w, die);
+    for (const auto& [label, value] : PcieAndLinkFields(device)) w.Field(1, label, value);
 }
 
 void WriteLimitedDevice(DetailWriter& w, const LimitedDeviceReport& d) {
@@ -147,18 +184,23 @@ void WriteLimitedDevice(DetailWriter& w, const LimitedDeviceReport& d) {
 }  // namespace
 
 std::string RenderSummary(const Snapshot& snapshot) {
-    std::string out;
+    std::string out = fmt::format("Driver Version: {}    DKSML Version: {}\n\n", OrNa(snapshot.driverVersion),
+                                  snapshot.libraryVersion.empty() ? kNotAvailable : snapshot.libraryVersion);
     if (snapshot.devices.empty()) {
         out += "Devices: none usable\n";
     } else {
         std::vector<std::vector<std::string>> rows;
-        for (const DeviceReport& d : snapshot.devices)
+        for (const DeviceReport& d : snapshot.devices) {
             rows.push_back({std::to_string(d.index), d.name, d.busId, OrNa(d.dieCount), RoleText(d),
                             OrNa(d.hotspotC, " C"), FanText(d), OrNa(FirstClock(d, "xcore")),
-                            OrNa(FirstClock(d, "soc")), OrNa(FirstClock(d, "mc")), HexOrNa(d.throttleMask)});
-        out += FormatTable({"IDX", "NAME", "BUS ID", "DIES", "ROLE", "HOTSPOT", "FAN", "XCORE MHZ", "SOC MHZ",
-                            "MC MHZ", "THROTTLE"},
-                           rows);
+                            OrNa(FirstClock(d, "soc")), OrNa(FirstClock(d, "mc")), HexOrNa(d.throttleMask),
+                            OrNa(d.processCount)});
+            for (std::string& cell : PowerSummaryCells(d.power)) rows.back().push_back(std::move(cell));
+        }
+        std::vector<std::string> headers{"IDX", "NAME", "BUS ID", "DIES", "ROLE", "HOTSPOT", "FAN", "XCORE MHZ",
+                                         "SOC MHZ", "MC MHZ", "THROTTLE", "PROCS"};
+        headers.insert(headers.end(), kPowerSummaryHeaders.begin(), kPowerSummaryHeaders.end());
+        out += FormatTable(headers, rows);
     }
     out += "\n" + LimitedSection(snapshot);
     return out;

@@ -1,0 +1,150 @@
+"""The Python module on the shipped virtual hosts, against `dksmi --json` and
+the attribute files the host wrote.
+
+Run with DKSML_LIBRARY (the built library), DKSMI and DKVHOST (the tools) set;
+CTest does this."""
+
+from __future__ import annotations
+
+import dataclasses
+import json
+import os
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+from typing import Any
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
+
+import dksml  # noqa: E402
+from dksml import api  # noqa: E402
+
+DKSMI = os.environ.get("DKSMI", "dksmi")
+DKVHOST = os.environ.get("DKVHOST", "dkvhost")
+
+
+class VirtualHost:
+    """A shipped profile written into a temporary directory; the library rediscovers on it."""
+
+    def __init__(self, profile: str) -> None:
+        self._dir = tempfile.TemporaryDirectory(prefix="dksml-py-")
+        self.root = Path(self._dir.name) / profile
+        subprocess.run([DKVHOST, "write", profile, str(self.root)], check=True, stdout=subprocess.DEVNULL)
+        os.environ["DK_SMI_FSROOT"] = str(self.root)
+        self.status = api.init_status(1)
+
+    def read(self, host_path: str) -> str:
+        return (self.root / host_path.lstrip("/")).read_text()
+
+    def dksmi_json(self) -> dict[str, Any]:
+        out = subprocess.run([DKSMI, "--json"], env=dict(os.environ), stdout=subprocess.PIPE, check=False)
+        result: dict[str, Any] = json.loads(out.stdout)
+        return result
+
+    def close(self) -> None:
+        self._dir.cleanup()
+
+
+class ServerHostTest(unittest.TestCase):
+    host: VirtualHost
+
+    @classmethod
+    def setUpClass(cls) -> None:
+        cls.host = VirtualHost("server")
+
+    @classmethod
+    def tearDownClass(cls) -> None:
+        cls.host.close()
+
+    def test_snapshots_equal_the_device_objects_of_dksmi_json(self) -> None:
+        self.assertEqual(self.host.status, dksml.Return.SUCCESS)
+        expected = self.host.dksmi_json()
+        self.assertEqual([d.snapshot() for d in dksml.devices()], expected["devices"])
+        limited = []
+        for d in dksml.limited_devices():
+            reason = api.unavailable_reason(d.index)
+            limited.append({"index": d.index, "bus_id": d.bus_id, "vendor_id": d.vendor_id, "device_id": d.device_id,
+                            "is_virtual_function": d.is_virtual_function,
+                            "unavailable_reason": {"code": reason.reason, "text": reason.text}})
+        self.assertEqual(limited, expected["limited_devices"])
+
+    def test_readings_match_the_attribute_files(self) -> None:
+        for device in dksml.devices():
+            if device.role == dksml.VirtualizationMode.VF:
+                continue
+            smi = f"/sys/bus/pci/devices/{device.bus_id}/smi/"
+            with self.subTest(device=device.index):
+                self.assertEqual(device.die_count, 2 if (self.host.root / smi.lstrip("/")).with_name("smi1").exists()
+                                 else 1)
+                isa = self.host.read(smi + "showisaversion").split(":")[1].strip()
+                version = api.isa_version(device.index)
+                self.assertEqual(f"{version.major}.{version.minor}", isa)
+                fan = dict(line.split(": ") for line in self.host.read(smi + "fan_ctrl").splitlines())
+                self.assertEqual(device.fan.speed_rpm, int(fan["fan_rpm"]))
+                vm_rows = self.host.read(smi + "showvmread").splitlines()
+                self.assertEqual(api.die_voltage_monitor_raw(device.index, 0),
+                                 [[int(v) for v in row.split(":")[1].split()] for row in vm_rows])
+                self.assertTrue(api.real_path(device.index).endswith("/" + device.bus_id))
+
+    def test_virtual_functions_and_their_parent(self) -> None:
+        by_index = {d.index: d for d in dksml.devices()}
+        self.assertEqual(by_index[2].virtual_functions, [100, 101])
+        self.assertEqual(by_index[100].physical_function, 2)
+        self.assertEqual(by_index[100].role, dksml.VirtualizationMode.VF)
+
+    def test_errors_carry_the_code_and_the_library_text(self) -> None:
+        with self.assertRaises(dksml.DeviceNotAvailable) as unknown:
+            api.fan(4242)
+        self.assertEqual(unknown.exception.code, 6)
+        self.assertEqual(unknown.exception.text, api.error_string(6))
+        with self.assertRaises(dksml.NotSupported) as refused:
+            api.fan(100)  # a virtual function has no fan
+        self.assertIsInstance(refused.exception, dksml.DkSmlError)
+        self.assertEqual(refused.exception.code, dksml.Return.ERROR_NOT_SUPPORTED)
+        with self.assertRaises(dksml.DkSmlError) as bad_die:
+            api.clocks(0, 2)
+        self.assertEqual(bad_die.exception.code, dksml.Return.ERROR_INVALID_DIE_ID)
+
+    def test_records_are_frozen_and_carry_units(self) -> None:
+        clocks = next(dksml.devices()).clocks
+        self.assertTrue(clocks.xcore_mhz)
+        with self.assertRaises(dataclasses.FrozenInstanceError):
+            clocks.xcore_mhz = ()  # type: ignore[misc]
+
+    def test_module_main_lists_the_devices_dksmi_shows(self) -> None:
+        out = subprocess.run([sys.executable, "-m", "dksml"], env=dict(os.environ), stdout=subprocess.PIPE,
+                             check=True, text=True, cwd=str(Path(__file__).resolve().parents[1])).stdout
+        lines = out.splitlines()[1:]
+        expected = self.host.dksmi_json()
+        shown = [line for line in lines if "(limited)" not in line]
+        self.assertEqual(len(shown), len(expected["devices"]))
+        for line, device in zip(shown, expected["devices"]):
+            self.assertTrue(line.startswith(f"{device['index']:<6}{device['name']:<12}{device['bus_id']:<15}"), line)
+        self.assertEqual(len(lines) - len(shown), len(expected["limited_devices"]))
+
+
+class OtherHostsTest(unittest.TestCase):
+    def test_guest_snapshots_equal_dksmi(self) -> None:
+        host = VirtualHost("guest")
+        try:
+            self.assertEqual([d.snapshot() for d in dksml.devices()], host.dksmi_json()["devices"])
+        finally:
+            host.close()
+
+    def test_a_host_without_gpus_reports_no_device(self) -> None:
+        host = VirtualHost("empty")
+        try:
+            self.assertEqual(host.status, dksml.Return.ERROR_NO_DEVICE)
+            with self.assertRaises(dksml.DkSmlError) as none:
+                api.init(1)
+            self.assertEqual(none.exception.code, 2)
+            with self.assertRaises(dksml.DkSmlError):
+                list(dksml.devices())
+        finally:
+            host.close()
+
+
+if __name__ == "__main__":
+    unittest.main()

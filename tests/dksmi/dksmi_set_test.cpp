@@ -1,0 +1,107 @@
+// "dksmi set", the versions and the performance levels of dksmi's views.
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+
+#include <nlohmann/json.hpp>
+
+#include "dksmi/dksmi_runner.h"
+
+namespace dksmi::test {
+namespace {
+
+using nlohmann::json;
+using dksml::vhost::ScopedHost;
+using namespace std::string_view_literals;
+
+using DksmiSet = DksmiTest;
+
+std::string IndexOf(const json& document, const std::string& busId) {
+    for (const json& device : document["devices"])
+        if (device["bus_id"] == busId) return std::to_string(device["index"].get<uint32_t>());
+    ADD_FAILURE() << busId;
+    return "4242";
+}
+
+TEST_F(DksmiSet, ChangesTheMaximumLevelAndTheIntervalAsRoot) {
+    if (geteuid() != 0) GTEST_SKIP() << "needs root";
+    ScopedHost host("server"sv);
+    const std::string index = IndexOf(json::parse(RunDksmi("--json").out), "0000:1c:00.0");
+    const RunResult run = RunDksmi("set -i " + index + " --max-perf-level xcore=5 --dpm-interval xcore=20");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_NE(run.out.find("xcore maximum performance level: 9 -> 5"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("xcore DPM interval: 10 -> 20 ms"), std::string::npos) << run.out;
+    EXPECT_EQ(host.ReadFile("/sys/bus/pci/devices/0000:1c:00.0/smi/dpmcount"), "xcore 6\n");
+    EXPECT_EQ(host.ReadFile("/sys/bus/pci/devices/0000:1c:00.0/smi/dpminterval"), "xcore 20\n");
+}
+
+TEST_F(DksmiSet, RefusalsAndBadValues) {
+    ScopedHost host("server"sv);
+    const std::string index = IndexOf(json::parse(RunDksmi("--json").out), "0000:1e:00.0");
+    const std::string before = host.ReadFile("/sys/bus/pci/devices/0000:1e:00.0/smi/dpmcount");
+    struct Case {
+        std::string arguments;
+        int exitCode;
+        const char* message;
+    };
+    const Case cases[] = {
+        {"set -i " + index + " --max-perf-level gpu=3", 2, "DOMAIN one of"},
+        {"set -i " + index + " --max-perf-level xcore", 2, "expects DOMAIN=LEVEL"},
+        {"set -i " + index + " --max-perf-level xcore=99", 2, "not \"xcore=99\""},
+        {"set -i " + index, 2, "nothing to set"},
+        {"set --max-perf-level xcore=1", 2, "--index"},
+        {"set -i 4242 --max-perf-level xcore=1", geteuid() == 0 ? 5 : 7, ""},
+        // DKK2 has eight compute levels: the library refuses level 8.
+        {"set -i " + index + " --max-perf-level xcore=8", 7, ""},
+    };
+    for (const Case& c : cases) {
+        const RunResult run = RunDksmi(c.arguments);
+        EXPECT_EQ(run.exitCode, c.exitCode) << c.arguments << "\n" << run.err;
+        EXPECT_NE(run.err.find(c.message), std::string::npos) << c.arguments << "\n" << run.err;
+    }
+    EXPECT_EQ(host.ReadFile("/sys/bus/pci/devices/0000:1e:00.0/smi/dpmcount"), before);
+}
+
+TEST_F(DksmiSet, RefusesWithoutRoot) {
+    ScopedHost host("server"sv);
+    const std::string prefix = geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
+    const std::string command = prefix + "'" + DksmiBinary().string() + "' set -i 0 --max-perf-level xcore=1 2>&1";
+    FILE* pipe = popen(command.c_str(), "r");
+    ASSERT_NE(pipe, nullptr);
+    std::string out;
+    std::array<char, 512> buffer{};
+    size_t n = 0;
+    while ((n = fread(buffer.data(), 1, buffer.size(), pipe)) > 0) out.append(buffer.data(), n);
+    const int status = pclose(pipe);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 7) << out;
+    EXPECT_NE(out.find("permission denied"), std::string::npos) << out;
+    EXPECT_NE(out.find("code 8"), std::string::npos) << out;
+}
+
+TEST_F(DksmiSet, DetailShowsVersionsAndLevels) {
+    ScopedHost host("server"sv);
+    const json document = json::parse(RunDksmi("--json").out);
+    EXPECT_EQ(document["library_version"], "2.3.1");
+    EXPECT_EQ(document["driver_version"], "6.2.15");
+    const std::string index = IndexOf(document, "0000:1b:00.0");
+    const RunResult run = RunDksmi("-i " + index);
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    for (const char* text : {"Driver", "6.2.15", "VBIOS", "016.4.", "Compute stack", "2.3.5.17", "Firmware MCU",
+                             "0.9.7", "Performance levels (current / max)"})
+        EXPECT_NE(run.out.find(text), std::string::npos) << text;
+    const json detail = json::parse(RunDksmi("--json -i " + index).out);
+    const json& device = detail["devices"][0];
+    EXPECT_EQ(device["versions"]["firmware"]["VR1"], "0x21");
+    EXPECT_EQ(device["dies"][1]["performance_levels"]["xcore"]["max"], 9);
+    EXPECT_TRUE(device["dies"][0]["performance_levels"]["xcore"]["current"].is_number());
+    const RunResult summary = RunDksmi("");
+    EXPECT_EQ(summary.out.rfind("Driver Version: 6.2.15    DKSML Version: 2.3.1\n", 0), 0u) << summary.out;
+}
+
+}  // namespace
+}  // namespace dksmi::test

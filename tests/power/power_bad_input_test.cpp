@@ -1,0 +1,194 @@
+// Every power, usage and memory reader fed broken attribute files through the
+// C API: each answers a defined failure code, writes nothing past the
+// caller's array and reports nothing half-read as success.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "dksml.h"
+#include "vhost/dk_virtual_host.h"
+
+namespace dksml::test {
+namespace {
+
+constexpr const char* c_device = "/sys/bus/pci/devices/0000:b0:00.0/smi/";  // DKK6U, one die
+constexpr uint32_t c_guard = 0xfeedu;
+
+struct Reader {
+    const char* name;
+    std::vector<const char*> files;  // every file is broken at once
+    std::function<DkSmlReturn(uint32_t index)> call;
+};
+
+// Each call keeps one guard word past the array it hands over.
+const std::vector<Reader>& Readers() {
+    static const std::vector<Reader> readers{
+        {"pmbus", {"showpmbusvol", "showpmbuscur", "showpmbuspower"},
+         [](uint32_t i) {
+             DkSmlPmbusInfo info{};
+             return dkSmlGetPmbusInfo(i, DK_SML_PMBUS_UNIT_SOC, &info);
+         }},
+        {"board", {"showboardpowerinfo"},
+         [](uint32_t i) {
+             DkSmlBoardWayElectricInfo ways[3]{};
+             ways[2].values[0] = c_guard;
+             uint32_t count = 2;
+             const DkSmlReturn result = dkSmlGetBoardPowerInfo(i, &count, ways);
+             EXPECT_EQ(ways[2].values[0], c_guard);
+             return result;
+         }},
+        {"limit", {"config_tbp"},
+         [](uint32_t i) {
+             uint32_t limit = 0;
+             return dkSmlGetBoardPowerLimit(i, &limit);
+         }},
+        {"pci state", {"pcipowerstate"},
+         [](uint32_t i) {
+             DkSmlPciPowerState state{};
+             return dkSmlGetPciPowerState(i, &state);
+         }},
+        {"ip states", {"ippowerstate"},
+         [](uint32_t i) {
+             int32_t states[13];
+             states[12] = static_cast<int32_t>(c_guard);
+             uint32_t count = 12;
+             const DkSmlReturn result = dkSmlGetPowerStateInfo(i, DK_SML_DPM_IP_XCORE, states, &count);
+             EXPECT_EQ(states[12], static_cast<int32_t>(c_guard));
+             return result;
+         }},
+        {"engine usage", {"showuse"},
+         [](uint32_t i) {
+             int32_t usage = 0;
+             return dkSmlGetDeviceIpUsage(i, DK_SML_USAGE_IP_VPUD, &usage);
+         }},
+        {"xcore usage", {"showxcuse"},
+         [](uint32_t i) {
+             int32_t usage = 0;
+             return dkSmlGetDeviceIpUsage(i, DK_SML_USAGE_IP_XCORE, &usage);
+         }},
+        {"ap table", {"deviceinfo", "showxcuse"},
+         [](uint32_t i) {
+             std::vector<uint32_t> table(12 * 4 + 1, 0);
+             table.back() = c_guard;
+             uint32_t dpcs = 12;
+             uint32_t aps = 4;
+             const DkSmlReturn result = dkSmlGetXcoreApUsage(i, table.data(), &dpcs, &aps);
+             EXPECT_EQ(table.back(), c_guard);
+             return result;
+         }},
+        {"ap switch", {"apuseageswitch"},
+         [](uint32_t i) {
+             uint32_t state = 0;
+             return dkSmlGetApUsageToggle(i, &state);
+         }},
+        {"memory", {"showmeminfo", "showmemuse"},
+         [](uint32_t i) {
+             DkSmlMemoryInfo info{};
+             return dkSmlGetMemoryInfo(i, &info);
+         }},
+    };
+    return readers;
+}
+
+struct Content {
+    const char* name;
+    std::string text;  // written as the file
+    bool remove = false;
+    bool directory = false;  // a directory where the file should be: unreadable
+};
+
+std::vector<Content> Contents() {
+    return {
+        {"missing", "", true},
+        {"unreadable", "", false, true},
+        {"empty", ""},
+        {"whitespace", "  \n\t\n \n"},
+        {"garbage", "lorem ipsum\ndolor: sit amet\n"},
+        {"huge", std::string(70000, '7')},
+        {"huge lines", std::string(70000, ':') + "\n" + std::string(70000, 'f') + "\n"},
+        {"binary", std::string("\x00\x01\xfe\xff:\x00\x7f\n\x80", 9)},
+        {"out of range", "soc voltage: 99999999999999999999\ndpc_count 99999999999\nap_per_dpc 4\n"
+                         "vpud use: 99999999999999999999\nx: 99999999999999999999\n"},
+    };
+}
+
+class PowerBadInput : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() { host = new vhost::ScopedHost("server"); }
+    static void TearDownTestSuite() {
+        delete host;
+        host = nullptr;
+    }
+    static inline vhost::ScopedHost* host = nullptr;
+};
+
+TEST_F(PowerBadInput, EveryReaderAnswersADefinedFailure) {
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    const uint32_t index = 4;
+    DkSmlDeviceInfo info{};
+    ASSERT_EQ(dkSmlGetDeviceInfo(index, &info), DK_SML_SUCCESS);
+    ASSERT_STREQ(info.bdfId, "0000:b0:00.0");
+
+    for (const Reader& reader : Readers()) {
+        std::vector<std::string> saved;
+        for (const char* file : reader.files) saved.push_back(host->ReadFile(std::string(c_device) + file));
+        ASSERT_EQ(reader.call(index), DK_SML_SUCCESS) << reader.name << " on the host as written";
+        for (const Content& content : Contents()) {
+            for (const char* file : reader.files) {
+                const std::string path = std::string(c_device) + file;
+                host->Remove(path);
+                if (content.directory) {
+                    host->WriteFile(path + "/x", "");
+                } else if (!content.remove) {
+                    host->WriteFile(path, content.text);
+                }
+            }
+            const DkSmlReturn result = reader.call(index);
+            EXPECT_NE(result, DK_SML_SUCCESS) << reader.name << " / " << content.name;
+            EXPECT_TRUE(result == DK_SML_ERROR_FAILURE || result == DK_SML_ERROR_NOT_SUPPORTED ||
+                        result == DK_SML_ERROR_SYSFS)
+                << reader.name << " / " << content.name << " answered " << result;
+        }
+        for (std::size_t f = 0; f < reader.files.size(); ++f) {
+            const std::string path = std::string(c_device) + reader.files[f];
+            host->Remove(path);
+            host->WriteFile(path, saved[f]);
+        }
+    }
+}
+
+TEST_F(PowerBadInput, NullPointersAndUnknownDevices) {
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    DkSmlPmbusInfo pmbus{};
+    uint32_t count = 4;
+    uint32_t value = 0;
+    int32_t usage = 0;
+    DkSmlMemoryInfo memory{};
+    const std::vector<std::pair<const char*, DkSmlReturn>> nulls{
+        {"pmbus", dkSmlGetPmbusInfo(4, DK_SML_PMBUS_UNIT_SOC, nullptr)},
+        {"board count", dkSmlGetBoardPowerInfo(4, nullptr, nullptr)},
+        {"limit", dkSmlGetBoardPowerLimit(4, nullptr)},
+        {"states", dkSmlGetPowerStateInfo(4, DK_SML_DPM_IP_XCORE, nullptr, &count)},
+        {"pci", dkSmlGetPciPowerState(4, nullptr)},
+        {"usage", dkSmlGetDeviceIpUsage(4, DK_SML_USAGE_IP_DLA, nullptr)},
+        {"ap table", dkSmlGetXcoreApUsage(4, &value, nullptr, &count)},
+        {"switch", dkSmlGetApUsageToggle(4, nullptr)},
+        {"memory", dkSmlGetMemoryInfo(4, nullptr)},
+        {"die memory", dkSmlGetDieMemoryInfo(4, 0, nullptr)},
+    };
+    for (const auto& [name, result] : nulls) EXPECT_EQ(result, DK_SML_ERROR_INVALID_INPUT) << name;
+    EXPECT_EQ(dkSmlGetPmbusInfo(4242, DK_SML_PMBUS_UNIT_SOC, &pmbus), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+    EXPECT_EQ(dkSmlGetDieIpUsage(4, 1, DK_SML_USAGE_IP_DLA, &usage), DK_SML_ERROR_INVALID_DIE_ID);
+    EXPECT_EQ(dkSmlGetDeviceIpUsage(4, static_cast<DkSmlUsageIp>(77), &usage), DK_SML_ERROR_INVALID_INPUT);
+    EXPECT_EQ(dkSmlGetPmbusInfo(4, static_cast<DkSmlPmbusUnit>(77), &pmbus), DK_SML_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(dkSmlGetDieMemoryInfo(4, 7, &memory), DK_SML_ERROR_INVALID_DIE_ID);
+    EXPECT_EQ(dkSmlExGetPowerUsage(nullptr, &value), DK_SML_EX_ERROR_INVALID_ARGUMENT);
+    int forged = 0;
+    EXPECT_EQ(dkSmlExDeviceGetMemoryInfo(reinterpret_cast<DkSmlExDevice>(&forged), nullptr),
+              DK_SML_EX_ERROR_INVALID_ARGUMENT);
+}
+
+}  // namespace
+}  // namespace dksml::test

@@ -1,0 +1,217 @@
+// Power, usage and memory through the C API on the "server" virtual host,
+// checked against the attribute files the host wrote.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "core/dk_service_manager.h"
+#include "core/dk_system_manager.h"
+#include "dksml.h"
+#include "features/power/dk_power.h"
+#include "vhost/dk_virtual_host.h"
+
+namespace dksml::test {
+namespace {
+
+// Integers after the colon of the first line whose label contains `fragment`.
+std::vector<long long> Values(const std::string& text, const std::string& fragment) {
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t colon = line.find(':');
+        if (colon == std::string::npos || line.substr(0, colon).find(fragment) == std::string::npos) continue;
+        std::istringstream numbers(line.substr(colon + 1));
+        std::vector<long long> values;
+        for (long long v; numbers >> v;) values.push_back(v);
+        return values;
+    }
+    return {};
+}
+
+class PowerServer : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        host = new vhost::ScopedHost("server");
+        ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+        for (uint32_t index : {0u, 1u, 2u, 3u, 4u, 100u, 101u}) {
+            DkSmlDeviceInfo info{};
+            if (dkSmlGetDeviceInfo(index, &info) == DK_SML_SUCCESS) indexOf[info.bdfId] = index;
+        }
+    }
+    static void TearDownTestSuite() {
+        indexOf.clear();
+        delete host;
+        host = nullptr;
+    }
+    static std::string Attr(const std::string& bdf, const std::string& name, int die = 0) {
+        return host->ReadFile("/sys/bus/pci/devices/" + bdf + (die == 0 ? "/smi/" : "/smi1/") + name);
+    }
+    static uint32_t Index(const std::string& bdf) { return indexOf.at(bdf); }
+
+    static inline vhost::ScopedHost* host = nullptr;
+    static inline std::map<std::string, uint32_t> indexOf;
+};
+
+constexpr const char* c_twoDie = "0000:1b:00.0";    // DKK6-A, brand 4, two dies
+constexpr const char* c_hostOfVfs = "0000:1e:00.0"; // DKK2, brand 2, hosts two VFs
+constexpr const char* c_vf = "0000:1e:00.1";
+constexpr const char* c_single = "0000:b0:00.0";    // DKK6U
+
+TEST_F(PowerServer, PmbusMatchesTheFilesAndVfsHaveNone) {
+    for (const char* bdf : {c_twoDie, c_single, c_hostOfVfs}) {
+        DkSmlPmbusInfo info{};
+        ASSERT_EQ(dkSmlGetPmbusInfo(Index(bdf), DK_SML_PMBUS_UNIT_CORE, &info), DK_SML_SUCCESS) << bdf;
+        EXPECT_EQ(info.voltage, Values(Attr(bdf, "showpmbusvol"), "core").at(0)) << bdf;
+        EXPECT_EQ(info.current, Values(Attr(bdf, "showpmbuscur"), "core").at(0)) << bdf;
+        EXPECT_EQ(info.power, Values(Attr(bdf, "showpmbuspower"), "core").at(0)) << bdf;
+    }
+    DkSmlPmbusInfo info{};
+    ASSERT_EQ(dkSmlGetDiePmbusInfo(Index(c_twoDie), 1, DK_SML_PMBUS_UNIT_HBM2, &info), DK_SML_SUCCESS);
+    EXPECT_EQ(info.current, Values(Attr(c_twoDie, "showpmbuscur", 1), "hbm2").at(0));
+    EXPECT_EQ(dkSmlGetDiePmbusInfo(Index(c_twoDie), 2, DK_SML_PMBUS_UNIT_SOC, &info), DK_SML_ERROR_INVALID_DIE_ID);
+    EXPECT_EQ(dkSmlGetPmbusInfo(Index(c_twoDie), DK_SML_PMBUS_UNIT_PCIE2, &info), DK_SML_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(dkSmlGetPmbusInfo(Index(c_vf), DK_SML_PMBUS_UNIT_SOC, &info), DK_SML_ERROR_NOT_SUPPORTED);
+}
+
+TEST_F(PowerServer, BoardWaysAndLimit) {
+    for (const char* bdf : {c_twoDie, c_hostOfVfs}) {
+        DkSmlBoardWayElectricInfo ways[4]{};
+        uint32_t count = 4;
+        ASSERT_EQ(dkSmlGetBoardPowerInfo(Index(bdf), &count, ways), DK_SML_SUCCESS) << bdf;
+        ASSERT_EQ(count, 2u) << bdf;
+        const std::vector<long long> way1 = Values(Attr(bdf, "showboardpowerinfo"), "way1");
+        for (int q = 0; q < 3; ++q) EXPECT_EQ(ways[1].values[q], way1.at(q)) << bdf;
+    }
+    uint32_t limit = 0;
+    ASSERT_EQ(dkSmlGetBoardPowerLimit(Index(c_twoDie), &limit), DK_SML_SUCCESS);
+    EXPECT_EQ(limit, std::stoul(Attr(c_twoDie, "config_tbp")) * 1000);
+    ASSERT_EQ(dkSmlGetBoardPowerLimit(Index(c_hostOfVfs), &limit), DK_SML_SUCCESS);
+    EXPECT_EQ(limit, Values(Attr(c_hostOfVfs, "capability"), "power cap").at(0));
+}
+
+// The inference line lists the board readings quantity by quantity.
+TEST(PowerOtherBrand, BoardWaysGroupedByQuantity) {
+    nlohmann::json profile = vhost::LoadProfile("server");
+    profile["devices"].push_back({{"bus_id", "0000:e1:00.0"}, {"model", "DKQ9-A"}, {"numa_node", 1}});
+    vhost::ScopedHost host(profile);
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    uint32_t index = 0;
+    for (; index < 8; ++index) {
+        DkSmlDeviceInfo info{};
+        if (dkSmlGetDeviceInfo(index, &info) == DK_SML_SUCCESS && std::string(info.bdfId) == "0000:e1:00.0") break;
+    }
+    ASSERT_LT(index, 8u);
+    DkSmlBoardWayElectricInfo ways[2]{};
+    uint32_t count = 2;
+    ASSERT_EQ(dkSmlGetBoardPowerInfo(index, &count, ways), DK_SML_SUCCESS);
+    const std::string text = host.ReadFile("/sys/bus/pci/devices/0000:e1:00.0/smi/showboardpowerinfo");
+    EXPECT_EQ(ways[1].values[0], Values(text, "voltage").at(1));
+    EXPECT_EQ(ways[1].values[1], Values(text, "current").at(1));
+    EXPECT_EQ(ways[1].values[2], Values(text, "power").at(1));
+}
+
+TEST_F(PowerServer, PciPowerStateAlsoForTheLimitedDevice) {
+    DkSmlPciPowerState state = DK_SML_PCI_POWER_STATE_D3COLD;
+    EXPECT_EQ(dkSmlGetPciPowerState(Index(c_twoDie), &state), DK_SML_SUCCESS);
+    EXPECT_EQ(state, DK_SML_PCI_POWER_STATE_D0);
+    DkSmlLimitedDeviceInfo limited{};
+    ASSERT_EQ(dkSmlGetLimitedDeviceInfo(5, &limited), DK_SML_SUCCESS);
+    // The limited device is the one without the file: it is asked, not skipped.
+    EXPECT_EQ(dkSmlGetPciPowerState(5, &state), DK_SML_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(dkSmlGetPciPowerState(4242, &state), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+}
+
+TEST_F(PowerServer, IpStatesAndTheVfsPowerMode) {
+    int32_t states[16]{};
+    uint32_t count = 16;
+    ASSERT_EQ(dkSmlGetDiePowerStateInfo(Index(c_twoDie), 1, DK_SML_DPM_IP_XCORE, states, &count), DK_SML_SUCCESS);
+    ASSERT_EQ(count, 12u);
+    const long long mask = Values(Attr(c_twoDie, "ippowerstate", 1), "xcore").at(0);
+    for (uint32_t i = 0; i < count; ++i) EXPECT_EQ(states[i], (mask >> i) & 1) << i;
+
+    // A virtual function runs in its parent's mode.
+    auto vf = DkSystemManager::GetInstance().GetDeviceById(Index(c_vf));
+    ASSERT_TRUE(vf);
+    uint32_t mode = 7;
+    ASSERT_EQ(DkServiceManager::GetInstance().GetDkPower()->GetPowerMode(vf.get(), &mode), DK_SML_SUCCESS);
+    EXPECT_EQ(mode, Values(Attr(c_hostOfVfs, "pow_persist_ctrl"), "power mode").at(0));
+}
+
+TEST_F(PowerServer, EngineUsageAndApTable) {
+    const std::vector<long long> die0 = Values(Attr(c_twoDie, "showuse"), "vpud");
+    const std::vector<long long> die1 = Values(Attr(c_twoDie, "showuse", 1), "vpud");
+    ASSERT_EQ(die0.at(2), -1);  // the samples after the marker must not count
+    int32_t usage = 0;
+    ASSERT_EQ(dkSmlGetDieIpUsage(Index(c_twoDie), 1, DK_SML_USAGE_IP_VPUD, &usage), DK_SML_SUCCESS);
+    EXPECT_EQ(usage, (die1[0] + die1[1]) / 2);
+    ASSERT_EQ(dkSmlGetDeviceIpUsage(Index(c_twoDie), DK_SML_USAGE_IP_VPUD, &usage), DK_SML_SUCCESS);
+    EXPECT_EQ(usage, ((die0[0] + die0[1]) / 2 + (die1[0] + die1[1]) / 2) / 2);
+    ASSERT_EQ(dkSmlGetDeviceIpUsage(Index(c_vf), DK_SML_USAGE_IP_G2D, &usage), DK_SML_SUCCESS);
+    EXPECT_EQ(usage, 0);
+
+    const std::string info = Attr(c_twoDie, "deviceinfo", 1);
+    const uint32_t dpcs = std::stoul(info.substr(info.find("dpc_count") + 9));
+    const uint32_t aps = std::stoul(info.substr(info.find("ap_per_dpc") + 10));
+    std::vector<uint32_t> table(dpcs * aps + 1, 0xdeadu);
+    uint32_t dpcCount = 1;
+    uint32_t apCount = 1;
+    ASSERT_EQ(dkSmlGetDieXcoreApUsage(Index(c_twoDie), 1, table.data(), &dpcCount, &apCount),
+              DK_SML_ERROR_INSUFFICIENT_SIZE);
+    EXPECT_EQ(dpcCount, dpcs);
+    EXPECT_EQ(apCount, aps);
+    ASSERT_EQ(dkSmlGetDieXcoreApUsage(Index(c_twoDie), 1, table.data(), &dpcCount, &apCount), DK_SML_SUCCESS);
+    EXPECT_EQ(dpcCount, dpcs - 1);             // the last DPC is harvested
+    EXPECT_EQ(apCount, (dpcs - 1) * aps - 1);  // and one AP is fused off
+    EXPECT_EQ(table[apCount], 0xdeadu);
+}
+
+TEST_F(PowerServer, MemoryPerDieAndDevice) {
+    auto pool = [&](const char* file, int die, int line) {
+        std::istringstream lines(Attr(c_twoDie, file, die));
+        std::string text;
+        for (int i = 0; i <= line; ++i) std::getline(lines, text);
+        return std::stoull(text.substr(text.find(':') + 1));
+    };
+    DkSmlMemoryInfo info{};
+    ASSERT_EQ(dkSmlGetMemoryInfo(Index(c_twoDie), &info), DK_SML_SUCCESS);
+    EXPECT_EQ(info.pool[0].total, pool("showmeminfo", 0, 0) + pool("showmeminfo", 1, 0));
+    EXPECT_EQ(info.pool[1].used, pool("showmemuse", 0, 1) + pool("showmemuse", 1, 1));
+    EXPECT_EQ(info.pool[2].used, pool("showmemuse", 0, 2));
+    ASSERT_EQ(dkSmlGetDieMemoryInfo(Index(c_twoDie), 1, &info), DK_SML_SUCCESS);
+    EXPECT_EQ(info.pool[0].used, pool("showmemuse", 1, 0));
+    EXPECT_EQ(dkSmlGetMemoryInfo(Index(c_hostOfVfs), &info), DK_SML_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(dkSmlGetMemoryInfo(Index(c_vf), &info), DK_SML_SUCCESS);
+}
+
+TEST_F(PowerServer, CompatibilityFamilyConvertsUnits) {
+    DkSmlExDevice handle = nullptr;
+    ASSERT_EQ(dkSmlExGetDeviceHandleByPciBusId(c_twoDie, &handle), DK_SML_EX_SUCCESS);
+    uint32_t power = 0;
+    ASSERT_EQ(dkSmlExGetPowerUsage(handle, &power), DK_SML_EX_SUCCESS);
+    long long rails = 0;
+    for (const char* rail : {"soc", "core", "hbm1", "hbm2", "pcie"}) {
+        rails += Values(Attr(c_twoDie, "showpmbuspower"), rail).at(0);
+    }
+    EXPECT_EQ(power, rails);
+    uint32_t limit = 0;
+    ASSERT_EQ(dkSmlExGetPowerManagementLimit(handle, &limit), DK_SML_EX_SUCCESS);
+    EXPECT_EQ(limit, std::stoul(Attr(c_twoDie, "config_tbp")) * 1000);
+    DkSmlExMemory memory{};
+    ASSERT_EQ(dkSmlExDeviceGetMemoryInfo(handle, &memory), DK_SML_EX_SUCCESS);
+    DkSmlMemoryInfo native{};
+    ASSERT_EQ(dkSmlGetDieMemoryInfo(Index(c_twoDie), 0, &native), DK_SML_SUCCESS);
+    EXPECT_EQ(memory.total, native.pool[0].total * 1024);
+    EXPECT_EQ(memory.free, memory.total - memory.used);
+    DkSmlExUtilization utilization{};
+    ASSERT_EQ(dkSmlExDeviceGetUtilization(handle, &utilization), DK_SML_EX_SUCCESS);
+    EXPECT_LE(utilization.memory, 100u);
+
+    ASSERT_EQ(dkSmlExGetDeviceHandleByPciBusId(c_hostOfVfs, &handle), DK_SML_EX_SUCCESS);
+    EXPECT_EQ(dkSmlExDeviceGetMemoryInfo(handle, &memory), DK_SML_EX_ERROR_NOT_SUPPORTED);
+}
+
+}  // namespace
+}  // namespace dksml::test

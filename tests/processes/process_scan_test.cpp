@@ -1,0 +1,187 @@
+// The process scan end to end through the exported functions on the "slices"
+// host: which clients qualify, their entries, the record versions and the
+// capacity rules.
+#include <cstring>
+#include <string>
+
+#include "features/process/dk_process_threshold.h"
+#include "process_host.h"
+
+namespace dksml::test {
+namespace {
+
+using ::testing::ElementsAre;
+
+TEST_F(SlicesHost, CountingScanLeavesOutIdleClientsAndNodeHolders) {
+    uint32_t count = 0;
+    ASSERT_EQ(dkSmlGetNumberOfProcess(&count), DK_SML_SUCCESS);
+    EXPECT_EQ(count, 3u);  // train, container, wide
+    EXPECT_EQ(dkSmlGetNumberOfProcess(nullptr), DK_SML_ERROR_INVALID_INPUT);
+}
+
+TEST_F(SlicesHost, RecordsHoldEntriesPerAddressAndSliceInOrder) {
+    std::vector<DkSmlProcessInfo_v3> records(4);
+    ASSERT_EQ(dkSmlGetProcessInfo_v3(4, records.data()), DK_SML_SUCCESS);
+    EXPECT_THAT(PidsOf(records.data(), 3), ElementsAre(c_trainPid, c_containerPid, c_widePid));
+    EXPECT_EQ(records[3].pid, 0u);  // untouched slot stays zeroed
+
+    const DkSmlProcessInfo_v3& train = records[0];
+    EXPECT_STREQ(train.processName, "train_resnet");
+    ASSERT_EQ(train.gpuCount, 2u);
+    EXPECT_STREQ(train.gpuInfo[0].bdf, "0000:1b:00.0");
+    EXPECT_EQ(train.gpuInfo[0].deviceId, c_plainDevice);
+    EXPECT_EQ(train.gpuInfo[0].memoryUsed, 8589934592ull);
+    EXPECT_EQ(train.gpuInfo[0].sgpuId, -1);
+    EXPECT_STREQ(train.gpuInfo[1].bdf, "0000:3b:00.0");
+    EXPECT_EQ(train.gpuInfo[1].deviceId, c_sliceDevice);
+    EXPECT_EQ(train.gpuInfo[1].sgpuId, 0);
+    EXPECT_EQ(train.gpuInfo[2].sgpuId, -1);  // unused entries keep the fresh value
+
+    const DkSmlProcessInfo_v3& container = records[1];
+    ASSERT_EQ(container.gpuCount, 1u);
+    EXPECT_EQ(container.gpuInfo[0].sgpuId, 1);
+    EXPECT_EQ(container.gpuInfo[0].memoryUsed, 2147483648ull);
+
+    // 40 domains on two GPUs: 80 pairs, cut at 64; first GPU first, tags ascending.
+    const DkSmlProcessInfo_v3& wide = records[2];
+    EXPECT_EQ(wide.gpuCount, 64u);
+    EXPECT_EQ(wide.gpuInfo[0].vramTag, 0u);
+    EXPECT_EQ(wide.gpuInfo[39].vramTag, 39u);
+    EXPECT_STREQ(wide.gpuInfo[39].bdf, "0000:1b:00.0");
+    EXPECT_STREQ(wide.gpuInfo[40].bdf, "0000:3b:00.0");
+    EXPECT_EQ(wide.gpuInfo[63].vramTag, 23u);
+    EXPECT_EQ(wide.gpuInfo[63].memoryUsed, 536870912ull + 23);
+}
+
+TEST_F(SlicesHost, OlderRecordVersionsCopyTheSameFields) {
+    std::vector<DkSmlProcessInfo_v3> v3(3);
+    std::vector<DkSmlProcessInfo_v2> v2(3);
+    std::vector<DkSmlProcessInfo> v1(3);
+    ASSERT_EQ(dkSmlGetProcessInfo_v3(3, v3.data()), DK_SML_SUCCESS);
+    ASSERT_EQ(dkSmlGetProcessInfo_v2(3, v2.data()), DK_SML_SUCCESS);
+    ASSERT_EQ(dkSmlGetProcessInfo(3, v1.data()), DK_SML_SUCCESS);
+    for (size_t i = 0; i < 3; ++i) {
+        EXPECT_EQ(v1[i].pid, v3[i].pid);
+        EXPECT_EQ(0, std::memcmp(v2[i].processName, v3[i].processName, sizeof(v3[i].processName)));
+        ASSERT_EQ(v2[i].gpuCount, v3[i].gpuCount);
+        for (uint32_t e = 0; e < v3[i].gpuCount; ++e) {
+            EXPECT_STREQ(v1[i].gpuInfo[e].bdf, v3[i].gpuInfo[e].bdf);
+            EXPECT_EQ(v1[i].gpuInfo[e].memoryUsed, v3[i].gpuInfo[e].memoryUsed);
+            EXPECT_EQ(v2[i].gpuInfo[e].vramTag, v3[i].gpuInfo[e].vramTag);
+            EXPECT_EQ(v2[i].gpuInfo[e].deviceId, v3[i].gpuInfo[e].deviceId);
+        }
+    }
+}
+
+TEST_F(SlicesHost, FullRecordsStillCountInTheAllGpuScanOnly) {
+    std::vector<DkSmlProcessInfo_v3> v3(2);
+    uint32_t count = 0;
+    ASSERT_EQ(Processes().GetProcessInfo_v3(v3.data(), 2, &count, DK_SML_ALL_GPUS, false), DK_SML_SUCCESS);
+    EXPECT_EQ(count, 3u);
+    std::vector<DkSmlProcessInfo_v2> v2(1);
+    ASSERT_EQ(Processes().GetProcessInfo_v2(v2.data(), 1, &count, c_plainGpuId, false, true), DK_SML_SUCCESS);
+    EXPECT_EQ(count, 1u);  // train and wide use the GPU; the single-GPU scan stops at capacity
+    EXPECT_EQ(v2[0].pid, c_trainPid);
+    ASSERT_EQ(Processes().GetProcessInfo_v3(nullptr, 0, &count, c_plainGpuId, false), DK_SML_SUCCESS);
+    EXPECT_EQ(count, 2u);
+}
+
+TEST_F(SlicesHost, IncludeAllAddsIdleClientsAndDeviceNodeHolders) {
+    std::vector<DkSmlProcessInfo_v3> records(8);
+    uint32_t count = 0;
+    ASSERT_EQ(Processes().GetProcessInfo_v3(records.data(), 8, &count, DK_SML_ALL_GPUS, true), DK_SML_SUCCESS);
+    // The driver directories first; then /proc entries whose pid the scan has
+    // not reported as a namespace pid: the container's host pid and the monitor.
+    EXPECT_THAT(PidsOf(records.data(), count),
+                ElementsAre(c_trainPid, c_containerPid, c_idlePid, c_widePid, c_containerPid, c_monitorPid));
+    EXPECT_EQ(records[5].gpuCount, 0u);
+    EXPECT_STREQ(records[5].processName, "dk_monitor");
+    uint32_t counted = 0;
+    ASSERT_EQ(Processes().GetProcessInfo_v3(records.data(), 2, &counted, DK_SML_ALL_GPUS, true), DK_SML_SUCCESS);
+    EXPECT_EQ(counted, count);
+}
+
+TEST_F(SlicesHost, SingleGpuProcessesFollowTheDevice) {
+    std::vector<DkSmlProcessInfo> v1(4);
+    uint32_t count = 4;
+    ASSERT_EQ(dkSmlGetSingleGpuProcess(c_plainDevice, &count, v1.data()), DK_SML_SUCCESS);
+    EXPECT_THAT(PidsOf(v1.data(), count), ElementsAre(c_trainPid, c_widePid));
+    EXPECT_EQ(v1[0].gpuCount, 1u);
+
+    // The slice parent has no GPU id of its own: only the slice-parent form serves it.
+    count = 4;
+    EXPECT_EQ(dkSmlGetSingleGpuProcess(c_sliceDevice, &count, v1.data()), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+    std::vector<DkSmlProcessInfo_v3> v3(4);
+    count = 4;
+    ASSERT_EQ(dkSmlGetSingleGpuProcess_v3(c_sliceDevice, &count, v3.data()), DK_SML_SUCCESS);
+    EXPECT_THAT(PidsOf(v3.data(), count), ElementsAre(c_containerPid));  // first entry on the parent
+    count = 4;
+    EXPECT_EQ(dkSmlGetSingleGpuProcess_v3(42, &count, v3.data()), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+}
+
+TEST_F(SlicesHost, CompatibilityViewSumsMemoryPerProcess) {
+    DkSmlExDevice handle = nullptr;
+    ASSERT_EQ(dkSmlExGetDeviceHandleByPciBusId("0000:1b:00.0", &handle), DK_SML_EX_SUCCESS);
+    DkSmlExProcessInfo infos[4] = {};
+    uint32_t count = 1;
+    EXPECT_EQ(dkSmlExDeviceGetComputeRunningProcesses(handle, &count, infos), DK_SML_EX_ERROR_INSUFFICIENT_SIZE);
+    EXPECT_EQ(count, 2u);
+    count = 4;
+    ASSERT_EQ(dkSmlExDeviceGetComputeRunningProcesses(handle, &count, infos), DK_SML_EX_SUCCESS);
+    ASSERT_EQ(count, 2u);
+    EXPECT_EQ(infos[0].pid, c_trainPid);
+    EXPECT_EQ(infos[0].usedGpuMemory, 8589934592ull);
+    EXPECT_EQ(dkSmlExDeviceGetComputeRunningProcesses(handle, nullptr, infos), DK_SML_EX_ERROR_INVALID_ARGUMENT);
+}
+
+TEST_F(SlicesHost, SlicesCountAsDevicesInTheCompatibilityFamily) {
+    uint32_t count = 0;
+    ASSERT_EQ(dkSmlExDeviceGetCount(&count), DK_SML_EX_SUCCESS);
+    EXPECT_EQ(count, 5u);  // two dies + three slices
+    // Slice 3 removed by the driver: two dies + two slices.
+    host->Remove("/sys/devices/pci0000:17/0000:17:02.0/0000:3b:00.0/sgpu/sgpu3");
+    host->WriteFile("/sys/devices/pci0000:17/0000:17:02.0/0000:3b:00.0/sgpu/available_devcnt", "14\n");
+    ASSERT_EQ(dkSmlExDeviceGetCount(&count), DK_SML_EX_SUCCESS);
+    EXPECT_EQ(count, 4u);
+}
+
+class RecordingSysUtils : public DkSysUtils {
+public:
+    RecordingSysUtils(uid_t uid, std::set<pid_t>* signalled) : m_uid(uid), m_signalled(signalled) {}
+    uid_t GetUid() override { return m_uid; }
+    int Kill(pid_t pid, int signal) override {
+        if (signal != 0) m_signalled->insert(pid);
+        return 0;
+    }
+
+private:
+    uid_t m_uid;
+    std::set<pid_t>* m_signalled;
+};
+
+TEST_F(SlicesHost, KillAllSignalsEveryDeviceNodeHolderAsRootOnly) {
+    std::set<pid_t> signalled;
+    DkSystemManager& manager = DkSystemManager::GetInstance();
+    ASSERT_EQ(manager.Initialize(g_dkDeviceSearchPath, std::make_unique<RecordingSysUtils>(1000, &signalled), 1),
+              DK_SML_SUCCESS);
+    EXPECT_EQ(Processes().KillAllProcess(), DK_SML_ERROR_PERMISSION);
+    ASSERT_EQ(manager.Initialize(g_dkDeviceSearchPath, std::make_unique<RecordingSysUtils>(0, &signalled), 1),
+              DK_SML_SUCCESS);
+    ASSERT_EQ(Processes().KillAllProcess(), DK_SML_SUCCESS);
+    EXPECT_EQ(signalled, (std::set<pid_t>{4242, 5120, 6001, 7007, 8080}));
+}
+
+TEST_F(SlicesHost, DefaultSystemCallsNeverSignalUnderAHostRoot) {
+    DkSysUtils sys;
+    EXPECT_EQ(sys.Kill(1, 0), 0);
+    EXPECT_NE(sys.Kill(1, 9), 0);
+}
+
+TEST(ProcessThreshold, EveryBrandHasOneRowAndUnknownFallsBack) {
+    EXPECT_EQ(GetProcessMemoryThreshold(DK_SML_BRAND_DKK), 16 * c_mebibyte);
+    EXPECT_EQ(GetProcessMemoryThreshold(static_cast<DkSmlDeviceBrand>(77)),
+              GetProcessMemoryThreshold(DK_SML_BRAND_UNKNOWN));
+}
+
+}  // namespace
+}  // namespace dksml::test

@@ -1,0 +1,236 @@
+// Slice GPUs end to end through the exported functions on the "slices" host
+// (device 1 in slice mode with slices 0, 1 and 3; device 0 native). A static
+// tree cannot create directories when "create" is written: the tests check
+// the exact text written, and SliceDriver plays the driver's part.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <string>
+#include <thread>
+
+#include "features/slicegpu/dk_slicegpu_files.h"
+#include "process_host.h"
+
+namespace dksml::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* c_sgpuDir = "/sys/devices/pci0000:17/0000:17:02.0/0000:3b:00.0/sgpu";
+
+std::string SgpuFile(const std::string& name) { return std::string(c_sgpuDir) + "/" + name; }
+
+// Makes "create" a FIFO whose reader creates the new slice directory while the
+// library's write is still blocked in it: the library lists the directory,
+// opens "create" and writes; only then does the slice appear, as with the driver.
+class SliceDriver {
+public:
+    SliceDriver(const vhost::ScopedHost& host, uint32_t newId) : m_host(host) {
+        const fs::path fifo = host.Path(SgpuFile("create"));
+        fs::remove(fifo);
+        EXPECT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+        m_reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
+        m_filler = open(fifo.c_str(), O_WRONLY | O_NONBLOCK);
+        const char block[4096] = {};
+        while (write(m_filler, block, sizeof block) > 0) {}  // pipe full: the library's write blocks
+        close(m_filler);
+        m_thread = std::thread([this, fifo, newId] { Serve(fifo, newId); });
+    }
+    ~SliceDriver() { m_thread.join(); }
+    const std::string& Written() const { return m_written; }
+
+private:
+    // Waits until another descriptor of this process names the FIFO (the library opened it).
+    bool LibraryOpened(const fs::path& fifo) {
+        for (const auto& fd : fs::directory_iterator("/proc/self/fd")) {
+            std::error_code ec;
+            const fs::path target = fs::read_symlink(fd.path(), ec);
+            if (!ec && target == fifo && std::stoi(fd.path().filename()) != m_reader) return true;
+        }
+        return false;
+    }
+    void Serve(const fs::path& fifo, uint32_t newId) {
+        while (!LibraryOpened(fifo)) std::this_thread::yield();
+        const std::string dir = std::string(c_sgpuDir) + "/sgpu" + std::to_string(newId) + "/";
+        m_host.WriteFile(dir + "sched_quota", "0\n");
+        m_host.WriteFile(dir + "gpu_id", "61002\n");
+        std::string all;
+        char buffer[4096];
+        for (;;) {
+            const ssize_t n = read(m_reader, buffer, sizeof buffer);
+            if (n > 0) all.append(buffer, static_cast<size_t>(n));
+            else if (n == 0) break;
+            else if (errno == EAGAIN) std::this_thread::yield();
+            else break;
+        }
+        close(m_reader);
+        m_written = all.substr(all.find_first_not_of('\0') == std::string::npos ? all.size()
+                                                                                : all.find_first_not_of('\0'));
+    }
+    const vhost::ScopedHost& m_host;
+    int m_reader = -1;
+    int m_filler = -1;
+    std::string m_written;
+    std::thread m_thread;
+};
+
+TEST_F(SlicesHost, ModeReadsPerDeviceAndNativeRefusesSliceOperations) {
+    uint32_t on = 7;
+    ASSERT_EQ(dkSmlGetSgpuToggle(c_sliceDevice, &on), DK_SML_SUCCESS);
+    EXPECT_EQ(on, 1u);
+    ASSERT_EQ(dkSmlGetSgpuToggle(c_plainDevice, &on), DK_SML_SUCCESS);
+    EXPECT_EQ(on, 0u);
+    uint32_t id = 0, value = 0;
+    DkSmlSgpuInfo info{};
+    EXPECT_EQ(dkSmlCreateSgpu(c_plainDevice, 1, 1, &id), DK_SML_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(dkSmlRemoveSgpu(c_plainDevice, 0), DK_SML_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(dkSmlGetSgpuInfo(c_plainDevice, 0, &info), DK_SML_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(dkSmlGetDeviceTimeslice(c_plainDevice, &value), DK_SML_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(dkSmlSetSgpuVramQuota(c_plainDevice, 0, 1), DK_SML_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(dkSmlGetSgpuCount(c_plainDevice), 0u);
+    EXPECT_EQ(dkSmlGetSgpuToggle(c_sliceDevice, nullptr), DK_SML_ERROR_INVALID_INPUT);
+    EXPECT_EQ(dkSmlGetSgpuToggle(42, &on), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+}
+
+TEST_F(SlicesHost, ToggleWritesTheWordWithANewline) {
+    ASSERT_EQ(dkSmlSetSgpuToggle(c_plainDevice, 1), DK_SML_SUCCESS);
+    EXPECT_EQ(host->ReadFile("/sys/devices/pci0000:17/0000:17:01.0/0000:1b:00.0/model"), "sgpu\n");
+    uint32_t on = 0;
+    ASSERT_EQ(dkSmlGetSgpuToggle(c_plainDevice, &on), DK_SML_SUCCESS);
+    EXPECT_EQ(on, 1u);
+    ASSERT_EQ(dkSmlSetSgpuToggle(c_sliceDevice, 0), DK_SML_SUCCESS);
+    EXPECT_EQ(host->ReadFile(SgpuFile("../model")), "native\n");
+    host->Remove("/sys/devices/pci0000:17/0000:17:01.0/0000:1b:00.0/model");
+    EXPECT_EQ(dkSmlSetSgpuToggle(c_plainDevice, 1), DK_SML_ERROR_NOT_SUPPORTED);
+}
+
+TEST_F(SlicesHost, SliceReadingsComeFromTheSliceAndItsLayoutNode) {
+    EXPECT_EQ(dkSmlGetSgpuCount(c_sliceDevice), 3u);
+    DkSmlSgpuInfo info{};
+    ASSERT_EQ(dkSmlGetSgpuInfo(c_sliceDevice, 0, &info), DK_SML_SUCCESS);
+    EXPECT_EQ(info.vramQuota, 16384u);
+    EXPECT_EQ(info.computeQuota, 25u);
+    EXPECT_EQ(info.minor, 200u);
+    EXPECT_EQ(std::string(info.uuid).rfind("GPU-", 0), 0u);
+    EXPECT_GT(std::string(info.uuid).size(), 4u);
+    int32_t state = -1, usage = -1;
+    ASSERT_EQ(dkSmlGetSgpuState(c_sliceDevice, 3, &state), DK_SML_SUCCESS);
+    EXPECT_EQ(state, 0);
+    ASSERT_EQ(dkSmlGetSgpuUsage(c_sliceDevice, 0, &usage), DK_SML_SUCCESS);
+    EXPECT_EQ(usage, 37);
+    EXPECT_EQ(dkSmlGetSgpuUsage(c_sliceDevice, 2, &usage), DK_SML_ERROR_NOT_SUPPORTED);  // no slice 2
+    DkSmlSgpuMemoryInfo memory{};
+    ASSERT_EQ(dkSmlGetSgpuMemory(c_sliceDevice, 1, &memory), DK_SML_SUCCESS);
+    EXPECT_EQ(memory.values[1], 1073741824ull);
+    DkSmlSgpuAvailableQuota quota{};
+    ASSERT_EQ(dkSmlGetSgpuAvailableQuota(c_sliceDevice, &quota), DK_SML_SUCCESS);
+    EXPECT_EQ(quota.totalVramQuota, 65536u);
+    EXPECT_EQ(quota.availableVramQuota, 65536u - 40960u);
+    EXPECT_EQ(quota.availableComputeQuota, 40u);
+    uint32_t timeslice = 0;
+    DkSmlSchedClass schedClass = 0;
+    ASSERT_EQ(dkSmlGetDeviceTimeslice(c_sliceDevice, &timeslice), DK_SML_SUCCESS);
+    ASSERT_EQ(dkSmlGetDeviceSchedClass(c_sliceDevice, &schedClass), DK_SML_SUCCESS);
+    EXPECT_EQ(timeslice, 20u);
+    EXPECT_EQ(schedClass, 2u);
+}
+
+TEST_F(SlicesHost, AliasAndAnnotationIdFollowTheTextRule) {
+    char text[16] = "xxxxxxxxxxxxxxx";
+    uint32_t size = 9;  // "tenant-a" is 8 characters: fits exactly
+    ASSERT_EQ(dkSmlGetSgpuAlias(c_sliceDevice, 0, text, &size), DK_SML_SUCCESS);
+    EXPECT_STREQ(text, "tenant-a");
+    size = 8;
+    EXPECT_EQ(dkSmlGetSgpuAlias(c_sliceDevice, 0, text, &size), DK_SML_ERROR_INSUFFICIENT_SIZE);
+    EXPECT_EQ(size, 9u);
+    ASSERT_EQ(dkSmlSetSgpuAlias(c_sliceDevice, 1, "batch"), DK_SML_SUCCESS);
+    size = sizeof text;
+    ASSERT_EQ(dkSmlGetSgpuAlias(c_sliceDevice, 1, text, &size), DK_SML_SUCCESS);
+    EXPECT_STREQ(text, "batch");
+
+    size = sizeof text;
+    ASSERT_EQ(dkSmlGetSgpuAnnotationsId(c_sliceDevice, 0, text, &size), DK_SML_SUCCESS);
+    EXPECT_STREQ(text, "42");  // "name=a;id=42;x=1": the first line with an id
+    EXPECT_EQ(size, 3u);
+    ASSERT_EQ(dkSmlGetSgpuAnnotationsId(c_sliceDevice, 1, text, &size), DK_SML_SUCCESS);
+    EXPECT_STREQ(text, "");  // no id line
+    size = 6;
+    EXPECT_EQ(dkSmlGetSgpuAnnotationsId(c_sliceDevice, 3, text, &size), DK_SML_ERROR_INSUFFICIENT_SIZE);
+    EXPECT_STREQ(text, "slice");
+    EXPECT_EQ(size, std::string("slice-three-long-annotation").size() + 1);
+    size = 0;
+    EXPECT_EQ(dkSmlGetSgpuAnnotationsId(c_sliceDevice, 3, text, &size), DK_SML_ERROR_INSUFFICIENT_SIZE);
+    EXPECT_EQ(dkSmlGetSgpuAnnotationsId(c_sliceDevice, 9, text, &size), DK_SML_ERROR_SYSFS);
+}
+
+TEST_F(SlicesHost, SettersWriteOneDecimalToTheirFile) {
+    ASSERT_EQ(dkSmlSetSgpuVramQuota(c_sliceDevice, 1, 4096), DK_SML_SUCCESS);
+    ASSERT_EQ(dkSmlSetSgpuComputeQuota(c_sliceDevice, 1, 30), DK_SML_SUCCESS);
+    ASSERT_EQ(dkSmlSetSgpuDeviceQueuePriority(c_sliceDevice, 1, 2), DK_SML_SUCCESS);
+    ASSERT_EQ(dkSmlSetDeviceTimeslice(c_sliceDevice, 15), DK_SML_SUCCESS);
+    ASSERT_EQ(dkSmlSetDeviceSchedClass(c_sliceDevice, 1), DK_SML_SUCCESS);
+    ASSERT_EQ(dkSmlRemoveSgpu(c_sliceDevice, 3), DK_SML_SUCCESS);
+    EXPECT_EQ(host->ReadFile(SgpuFile("sgpu1/vram_quota")), "4096\n");
+    EXPECT_EQ(host->ReadFile(SgpuFile("sgpu1/sched_quota")), "30\n");
+    EXPECT_EQ(host->ReadFile(SgpuFile("sgpu1/online")), "2\n");  // the driver's priority file
+    EXPECT_EQ(host->ReadFile(SgpuFile("sched_timeslice")), "15\n");
+    EXPECT_EQ(host->ReadFile(SgpuFile("sched_class")), "1\n");
+    EXPECT_EQ(host->ReadFile(SgpuFile("remove")), "3\n");
+}
+
+TEST_F(SlicesHost, CreateUndoesASliceWhoseQuotaCannotBeSet) {
+    uint32_t id = 99;
+    // Nothing makes sgpu2 appear: the compute quota cannot be written.
+    EXPECT_EQ(dkSmlCreateSgpu(c_sliceDevice, 8192, 20, &id), DK_SML_ERROR_SYSFS);
+    EXPECT_EQ(id, 99u);
+    EXPECT_EQ(host->ReadFile(SgpuFile("create")), "8192\n");
+    EXPECT_EQ(host->ReadFile(SgpuFile("remove")), "2\n");  // the lowest free id, undone
+}
+
+TEST_F(SlicesHost, CreateTakesTheLowestFreeIdAndSetsItsComputeQuota) {
+    uint32_t id = 99;
+    {
+        SliceDriver driver(*host, 2);
+        ASSERT_EQ(dkSmlCreateSgpu(c_sliceDevice, 8192, 20, &id), DK_SML_SUCCESS);
+    }
+    EXPECT_EQ(id, 2u);
+    EXPECT_EQ(host->ReadFile(SgpuFile("sgpu2/sched_quota")), "20\n");
+    EXPECT_EQ(host->ReadFile(SgpuFile("remove")), "");
+}
+
+TEST_F(SlicesHost, SchedulingLatencyReadsOneValuePerPeriod) {
+    DkSliceGpu& slices = *DkServiceManager::GetInstance().GetDkSliceGpu();
+    IDkDevice* device = DkSystemManager::GetInstance().GetDeviceById(c_sliceDevice).get();
+    int32_t values[3] = {};
+    uint32_t count = 3;
+    ASSERT_EQ(slices.GetSchedulingLatency(device, 0, values, &count), DK_SML_SUCCESS);
+    EXPECT_EQ(count, 3u);
+    EXPECT_EQ(values[2], 7);
+    count = 2;
+    EXPECT_EQ(slices.GetSchedulingLatency(device, 0, values, &count), DK_SML_ERROR_INSUFFICIENT_SIZE);
+    EXPECT_EQ(slices.GetSchedulingLatency(device, 2, values, &count), DK_SML_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(slices.GetExpectedSgpuId(device), 2u);
+}
+
+TEST(SliceDirName, OnlySgpuFollowedByADecimalIdCounts) {
+    const struct {
+        const char* name;
+        bool valid;
+        uint32_t id;
+    } cases[] = {{"sgpu0", true, 0},   {"sgpu12", true, 12}, {"sgpu", false, 0},      {"sgpux", false, 0},
+                 {"sgpu-1", false, 0}, {"sgpu1x", false, 0}, {"xsgpu1", false, 0},    {"create", false, 0},
+                 {"sgpu99999999999", false, 0}};
+    for (const auto& c : cases) {
+        uint32_t id = 0;
+        EXPECT_EQ(ParseSliceDirName(c.name, id), c.valid) << c.name;
+        if (c.valid) {
+            EXPECT_EQ(id, c.id) << c.name;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace dksml::test

@@ -1,0 +1,73 @@
+// The compute-stack version through dlopen on hosts that carry each build of
+// the runtime and SDK libraries.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+#include "api/api_host.h"
+
+namespace dksml::test {
+namespace {
+
+struct StackCase {
+    const char* name;
+    const char* runtime;
+    const char* sdk;
+    DkSmlReturn expected;
+    const char* text;
+    DkSmlExReturn exExpected;
+};
+
+class ComputeStackTest : public ::testing::TestWithParam<StackCase> {};
+
+TEST_P(ComputeStackTest, VersionOrFallback) {
+    ::unsetenv("VORN_PATH");
+    const nlohmann::json profile = {{"name", "stack"},
+                                    {"devices", nlohmann::json::array()},
+                                    {"compute_stack", {{"runtime", GetParam().runtime}, {"sdk", GetParam().sdk}}}};
+    vhost::ScopedHost host(profile);
+    (void)dkSmlInitWithFlags(1);
+    char text[32];
+    uint32_t size = sizeof text;
+    EXPECT_EQ(dkSmlGetVornVersion(text, &size), GetParam().expected);
+    EXPECT_STREQ(text, GetParam().text);
+    uint32_t number = 7;
+    EXPECT_EQ(dkSmlExSystemGetVornDriverVersion(&number), GetParam().exExpected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Hosts, ComputeStackTest,
+    ::testing::Values(StackCase{"Runtime", "present", "present", DK_SML_SUCCESS, "2.3.5.17", DK_SML_EX_SUCCESS},
+                      StackCase{"NoRuntimeFallsBackToSdk", "absent", "present", DK_SML_SUCCESS, "1.8.2",
+                                DK_SML_EX_SUCCESS},
+                      StackCase{"MissingSymbolFallsBack", "no_symbol", "present", DK_SML_SUCCESS, "1.8.2",
+                                DK_SML_EX_SUCCESS},
+                      StackCase{"FailingCallNoSdk", "failing", "absent", DK_SML_ERROR_LOAD_LIBRARY, "unknown",
+                                DK_SML_EX_ERROR_LIBRARY_NOT_FOUND},
+                      StackCase{"Nothing", "absent", "absent", DK_SML_ERROR_LOAD_LIBRARY, "unknown",
+                                DK_SML_EX_ERROR_LIBRARY_NOT_FOUND}),
+    [](const auto& p) { return std::string(p.param.name); });
+
+// VORN_PATH is used as given, outside the host root.
+TEST(ComputeStackPathTest, VornPathOverridesTheDefault) {
+    const nlohmann::json profile = {{"name", "stack"},
+                                    {"devices", nlohmann::json::array()},
+                                    {"compute_stack", {{"runtime", "present"}}}};
+    vhost::ScopedHost host(profile);
+    (void)dkSmlInitWithFlags(1);
+    ::setenv("VORN_PATH", (host.Root() / "nowhere").c_str(), 1);
+    char text[32];
+    uint32_t size = sizeof text;
+    EXPECT_EQ(dkSmlGetVornVersion(text, &size), DK_SML_ERROR_LOAD_LIBRARY);
+    ::setenv("VORN_PATH", (host.Root() / "opt/vorn").c_str(), 1);
+    size = sizeof text;
+    EXPECT_EQ(dkSmlGetVornVersion(text, &size), DK_SML_SUCCESS);
+    EXPECT_STREQ(text, "2.3.5.17");
+    ::unsetenv("VORN_PATH");
+}
+
+}  // namespace
+}  // namespace dksml::test

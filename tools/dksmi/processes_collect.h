@@ -1,0 +1,15 @@
+// Processes and slices: the process scan of every GPU and the slices of a
+// device in slice mode.
+#pragma once
+
+#include "snapshot.h"
+
+namespace dksmi {
+
+// Slice mode and, in slice mode, every slice of the device.
+void CollectSlices(DeviceReport& device);
+
+// Every process using a GPU, and the number of processes per device.
+void CollectProcesses(Snapshot& snapshot);
+
+}  // namespace dksmi
