@@ -50,6 +50,60 @@ protected:
         EXPECT_EQ(*value, expected.get<double>()) << name << " " << json(labels).dump();
     }
 
+    void ExpectPcieAndLinks(const Labels& gpu, const json& pcie, const json& links) {
+        for (const auto& [state, key] : {std::pair{"current", "current"}, std::pair{"max", "maximum"}}) {
+            Labels l = gpu;
+            l["state"] = state;
+            const json& info = pcie[key];
+            ExpectValue("dksml_pcie_link_speed_gigatransfers_per_second", l, info.is_null() ? json() : info["speed_gts"]);
+            ExpectValue("dksml_pcie_link_width_lanes", l, info.is_null() ? json() : info["width"]);
+        }
+        ExpectValue("dksml_pcie_slot", gpu, pcie["slot"]);
+        for (const char* direction : {"rx", "tx"}) {
+            Labels l = gpu;
+            l["direction"] = direction;
+            ExpectValue("dksml_pcie_throughput", l,
+                        pcie["throughput"].is_null() ? json() : pcie["throughput"][std::string(direction) + "_bytes"]);
+        }
+        if (!links["state"].is_null()) {
+            Labels l = gpu;
+            l["state_text"] = links["state_text"];
+            ExpectValue("dksml_interconnect_state", l, links["state"]);
+        }
+        if (links["port_states"].is_array())
+            for (size_t port = 0; port < links["port_states"].size(); ++port) {
+                Labels l = gpu;
+                l["port"] = std::to_string(port);
+                ExpectValue("dksml_interconnect_port_state", l, links["port_states"][port]);
+            }
+        for (const char* direction : {"inbound", "outbound"}) {
+            const json& bandwidth = links[std::string("bandwidth_") + direction];
+            if (!bandwidth.is_array()) continue;
+            for (size_t link = 0; link < bandwidth.size(); ++link)
+                for (size_t v = 0; v < 2; ++v) {
+                    Labels l = gpu;
+                    l.insert({{"link", std::to_string(link)}, {"direction", direction}, {"value", std::to_string(v)}});
+                    ExpectValue("dksml_interconnect_bandwidth", l, bandwidth[link][v]);
+                }
+        }
+    }
+    void ExpectVersions(const Labels& gpu, const json& versions) {
+        if (!versions["driver"].is_null() || !versions["vbios"].is_null() || !versions["compute_stack"].is_null()) {
+            Labels l = gpu;
+            l.insert({{"driver", versions["driver"].is_null() ? "" : versions["driver"].get<std::string>()},
+                      {"vbios", versions["vbios"].is_null() ? "" : versions["vbios"].get<std::string>()},
+                      {"compute_stack",
+                       versions["compute_stack"].is_null() ? "" : versions["compute_stack"].get<std::string>()}});
+            ExpectValue("dksml_gpu_version_info", l, 1);
+        }
+        for (const auto& [unit, version] : versions["firmware"].items()) {
+            if (version.is_null()) continue;
+            Labels l = gpu;
+            l.insert({{"unit", unit}, {"version", version}});
+            ExpectValue("dksml_firmware_version_info", l, 1);
+        }
+    }
+
     ScopedHost m_host{"server"};
     std::unique_ptr<ExporterProcess> m_exporter;
     HttpReply m_reply;
@@ -72,11 +126,23 @@ TEST_F(ExporterServer, EveryValueOfDksmiJsonHasItsSeries) {
         ExpectValue("dksml_fan_speed_rpm", gpu, device["fan_rpm"]);
         ExpectValue("dksml_fan_pwm_duty", gpu, device["fan_duty"]);
         ExpectValue("dksml_gpu_clock_throttle_reasons_mask", gpu, device["throttle_reasons_mask"]);
+        ExpectValue("dksml_processes", gpu, device["process_count"]);
+        ExpectValue("dksml_slice_mode", gpu,
+                    device["slice_mode"].is_boolean() ? json(device["slice_mode"].get<bool>() ? 1 : 0) : json());
+        ExpectPcieAndLinks(gpu, device["pcie"], device["interconnect"]);
+        ExpectVersions(gpu, device["versions"]);
         for (const json& die : device["dies"]) {
             Labels d = gpu;
             d["die"] = std::to_string(die["die"].get<int>());
             ExpectValue("dksml_clock_throttle_reasons_mask", d, die["throttle_reasons_mask"]);
             ExpectValue("dksml_temperature_hottest_sensor_index", d, die["hottest_sensor_index"]);
+            if (die["performance_levels"].is_object())
+                for (const auto& [ip, level] : die["performance_levels"].items())
+                    for (const char* kind : {"current", "max"}) {
+                        Labels l = d;
+                        l.insert({{"ip", ip}, {"kind", kind}});
+                        ExpectValue("dksml_perf_level", l, level[kind]);
+                    }
             if (die["clocks_mhz"].is_object())
                 for (const auto& [ip, values] : die["clocks_mhz"].items()) {
                     if (values.is_null()) continue;

@@ -74,5 +74,14 @@ void CollectFan(const ScrapeContext& context, MetricSink& sink, FamilyErrors& er
 void CollectVoltageMonitor(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors);
 void CollectClocks(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors);
 void CollectThrottleReasons(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors);
+void CollectPower(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors);
+void CollectUsage(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors);
+void CollectMemory(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors);
+void CollectPcie(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors);
+void CollectInterconnect(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors);
+void CollectProcesses(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors);
+void CollectSlices(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors);
+void CollectPerfLevels(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors);
+void CollectVersions(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors);
 
 }  // namespace dksml::exporter

@@ -12,11 +12,21 @@ constexpr std::array c_exporterFamilies{
     FamilyRow{"fan", CollectFan},
     FamilyRow{"clocks", CollectClocks},
     FamilyRow{"throttle", CollectThrottleReasons},
+    FamilyRow{"perf_levels", CollectPerfLevels},
+    FamilyRow{"power", CollectPower},
+    FamilyRow{"usage", CollectUsage},
+    FamilyRow{"memory", CollectMemory},
+    FamilyRow{"pcie", CollectPcie},
+    FamilyRow{"interconnect", CollectInterconnect},
+    FamilyRow{"processes", CollectProcesses},
+    FamilyRow{"slices", CollectSlices},
+    FamilyRow{"versions", CollectVersions},
     FamilyRow{"limited_devices", CollectLimitedDevices},
 };
 
-constexpr std::array<std::string_view, 1> c_metricsAbsentByValue{
+constexpr std::array<std::string_view, 2> c_metricsAbsentByValue{
     "dksml_clock_throttle_reason_active",
+    "dksml_process_memory_bytes",
 };
 
 }  // namespace
