@@ -5,6 +5,7 @@
 
 #include <sys/resource.h>
 
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -43,16 +44,20 @@ nlohmann::json SixteenGpuProfile() {
 void BM_ExporterScrape16Gpus(benchmark::State& state) {
     dksml::vhost::ScopedHost host(SixteenGpuProfile());
     dkSmlInitWithFlags(1);
-    // The files one collection reads (strace of a scrape): per die the clocks,
-    // throttle mask, temperature record, sensor table and voltage monitor; the
-    // fan of die 0.
+    // The attribute files one collection reads (strace of a scrape), each once
+    // in every die directory that has it: the floor of a scrape.
     DkFloorFiles floor(host.Root().string());
     for (int gpu = 0; gpu < c_gpuCount; ++gpu)
         for (const char* die : {"smi", "smi1"}) {
             const std::string dir = "sys/bus/pci/devices/" + BusId(gpu) + "/" + die;
-            for (const char* file : {"showclocks", "pmdecsrc", "showtemp", "showtstemp", "showvmread"})
-                floor.Add(dir, file);
-            if (std::string(die) == "smi") floor.Add(dir, "fan_ctrl");
+            for (const char* file :
+                 {"showclocks", "pmdecsrc", "showtemp", "showtstemp", "showvmread", "fan_ctrl", "showperflevel",
+                  "dpmcount", "showpmbusvol", "showpmbuscur", "showpmbuspower", "showfwinfo", "showuse",
+                  "showxcuse", "showvbios", "showmemuse", "showmeminfo", "showdvlktbandwidth", "showdvlkstatus",
+                  "showdvlkibandwidth", "showdriverversion", "dravlink_ctrl", "showvmtype",
+                  "showupstreambandwidth", "showboardpowerinfo", "pcicurrentlinkwidth", "pcicurrentlinkspeed",
+                  "config_tbp"})
+                if (std::filesystem::exists(host.Path("/" + dir + "/" + file))) floor.Add(dir, file);
         }
     const dksml::exporter::ScrapeSettings settings;
     prometheus::TextSerializer serializer;
