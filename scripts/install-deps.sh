@@ -9,6 +9,7 @@ packages=(
   nlohmann-json3-dev libcli11-dev libfmt-dev
   pciutils hwloc-nox
   python3 python3-venv mypy
+  prometheus-cpp-dev prometheus
 )
 [[ "${DKSML_WITH_FUZZ:-0}" == 1 ]] && packages+=(clang libclang-rt-14-dev)
 

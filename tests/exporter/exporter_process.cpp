@@ -1,0 +1,213 @@
+#include "exporter/exporter_process.h"
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <sstream>
+#include <thread>
+
+namespace dksml::exporter::test {
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+fs::path ExporterBinary() { return fs::path(DKSML_BINARY_DIR) / "tools" / "exporter" / "dksml-exporter"; }
+fs::path DksmiBinary() { return fs::path(DKSML_BINARY_DIR) / "tools" / "dksmi" / "dksmi"; }
+
+std::string FindOnPath(const std::string& name) {
+    const char* path = std::getenv("PATH");
+    std::istringstream dirs(path ? path : "");
+    for (std::string dir; std::getline(dirs, dir, ':');) {
+        const fs::path candidate = fs::path(dir) / name;
+        if (!dir.empty() && ::access(candidate.c_str(), X_OK) == 0) return candidate.string();
+    }
+    return "";
+}
+
+namespace {
+
+sockaddr_in Loopback(int port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    return address;
+}
+
+}  // namespace
+
+HttpReply HttpGet(int port, const std::string& target, std::chrono::milliseconds timeout) {
+    HttpReply reply;
+    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (fd < 0) return reply;
+    timeval tv{static_cast<time_t>(timeout.count() / 1000), static_cast<suseconds_t>(timeout.count() % 1000 * 1000)};
+    ::setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &tv, sizeof tv);
+    ::setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &tv, sizeof tv);
+    const sockaddr_in address = Loopback(port);
+    std::string response;
+    if (::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
+        const std::string request = "GET " + target + " HTTP/1.0\r\nHost: 127.0.0.1\r\nConnection: close\r\n\r\n";
+        if (::send(fd, request.data(), request.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(request.size())) {
+            char buffer[16384];
+            for (ssize_t n; (n = ::recv(fd, buffer, sizeof buffer, 0)) > 0;) response.append(buffer, n);
+        }
+    }
+    ::close(fd);
+    const size_t space = response.find(' ');
+    const size_t bodyStart = response.find("\r\n\r\n");
+    if (space == std::string::npos || bodyStart == std::string::npos) return reply;
+    reply.status = std::atoi(response.c_str() + space + 1);
+    reply.body = response.substr(bodyStart + 4);
+    return reply;
+}
+
+int FreeLoopbackPort() {
+    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address = Loopback(0);
+    socklen_t size = sizeof address;
+    int port = 0;
+    if (::bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
+        ::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &size) == 0)
+        port = ntohs(address.sin_port);
+    ::close(fd);
+    return port;
+}
+
+ChildProcess::ChildProcess(const std::vector<std::string>& argv) {
+    int pipeFds[2];
+    if (::pipe2(pipeFds, O_CLOEXEC) != 0) return;
+    std::vector<char*> args;
+    for (const std::string& arg : argv) args.push_back(const_cast<char*>(arg.c_str()));
+    args.push_back(nullptr);
+    m_pid = ::fork();
+    if (m_pid == 0) {
+        ::dup2(pipeFds[1], STDOUT_FILENO);
+        const int null = ::open("/dev/null", O_WRONLY);
+        if (null >= 0) ::dup2(null, STDERR_FILENO);
+        ::execv(args[0], args.data());
+        ::_exit(127);
+    }
+    ::close(pipeFds[1]);
+    m_stdout = pipeFds[0];
+}
+
+ChildProcess::~ChildProcess() {
+    if (m_pid > 0) {
+        ::kill(m_pid, SIGKILL);
+        ::waitpid(m_pid, nullptr, 0);
+    }
+    if (m_stdout >= 0) ::close(m_stdout);
+}
+
+std::string ChildProcess::WaitForLine(const std::string& marker, std::chrono::milliseconds timeout) {
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    while (std::chrono::steady_clock::now() < deadline && m_stdout >= 0) {
+        for (size_t end; (end = m_buffered.find('\n')) != std::string::npos;) {
+            std::string line = m_buffered.substr(0, end);
+            m_buffered.erase(0, end + 1);
+            if (line.find(marker) != std::string::npos) return line;
+        }
+        pollfd p{m_stdout, POLLIN, 0};
+        if (::poll(&p, 1, 100) <= 0) continue;
+        char buffer[4096];
+        const ssize_t n = ::read(m_stdout, buffer, sizeof buffer);
+        if (n <= 0) break;
+        m_buffered.append(buffer, n);
+    }
+    return "";
+}
+
+void ChildProcess::Signal(int signal) const {
+    if (m_pid > 0) ::kill(m_pid, signal);
+}
+
+int ChildProcess::Stop(std::chrono::milliseconds grace) {
+    if (m_pid <= 0) return -1;
+    ::kill(m_pid, SIGTERM);
+    const auto deadline = std::chrono::steady_clock::now() + grace;
+    int status = 0;
+    while (std::chrono::steady_clock::now() < deadline) {
+        if (::waitpid(m_pid, &status, WNOHANG) == m_pid) {
+            m_pid = -1;
+            return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        }
+        std::this_thread::sleep_for(20ms);
+    }
+    return -1;  // the destructor kills it
+}
+
+ExporterProcess::ExporterProcess(const std::vector<std::string>& extraArguments)
+    : m_process([&] {
+          std::vector<std::string> argv{ExporterBinary().string(), "--listen", "127.0.0.1:0", "--web-root",
+                                        (ExporterBinary().parent_path() / "www").string()};
+          argv.insert(argv.end(), extraArguments.begin(), extraArguments.end());
+          return argv;
+      }()) {
+    const std::string line = m_process.WaitForLine("listening on port", 10s);
+    if (!line.empty()) m_port = std::atoi(line.c_str() + line.rfind(' ') + 1);
+}
+
+std::vector<Sample> ParseExposition(const std::string& page) {
+    std::vector<Sample> samples;
+    std::istringstream lines(page);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        Sample sample;
+        size_t valueStart = line.find(' ');
+        const size_t brace = line.find('{');
+        if (brace != std::string::npos && brace < valueStart) {
+            sample.name = line.substr(0, brace);
+            size_t at = brace + 1;
+            while (at < line.size() && line[at] != '}') {
+                const size_t eq = line.find("=\"", at);
+                if (eq == std::string::npos) break;
+                std::string value;
+                size_t v = eq + 2;
+                for (; v < line.size() && line[v] != '"'; ++v) {
+                    if (line[v] == '\\' && v + 1 < line.size()) ++v;
+                    value += line[v];
+                }
+                sample.labels[line.substr(at, eq - at)] = value;
+                at = v + 1;
+                if (at < line.size() && line[at] == ',') ++at;
+            }
+            valueStart = line.find(' ', at);
+        } else {
+            sample.name = line.substr(0, valueStart);
+        }
+        if (valueStart == std::string::npos) continue;
+        sample.value = std::strtod(line.c_str() + valueStart + 1, nullptr);
+        samples.push_back(std::move(sample));
+    }
+    return samples;
+}
+
+std::vector<Sample> Select(const std::vector<Sample>& samples, const std::string& name,
+                           const std::map<std::string, std::string>& labels) {
+    std::vector<Sample> found;
+    for (const Sample& sample : samples) {
+        if (sample.name != name) continue;
+        bool match = true;
+        for (const auto& [key, value] : labels) {
+            auto it = sample.labels.find(key);
+            match = match && it != sample.labels.end() && it->second == value;
+        }
+        if (match) found.push_back(sample);
+    }
+    return found;
+}
+
+std::optional<double> ValueOf(const std::vector<Sample>& samples, const std::string& name,
+                              const std::map<std::string, std::string>& labels) {
+    const std::vector<Sample> found = Select(samples, name, labels);
+    if (found.size() != 1) return std::nullopt;
+    return found.front().value;
+}
+
+}  // namespace dksml::exporter::test

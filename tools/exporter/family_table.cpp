@@ -1,0 +1,54 @@
+#include <array>
+
+#include "families.h"
+
+namespace dksml::exporter {
+namespace {
+
+constexpr std::array c_exporterFamilies{
+    FamilyRow{"device", CollectDeviceInfo},
+    FamilyRow{"temperature", CollectTemperatures},
+    FamilyRow{"voltage", CollectVoltageMonitor},
+    FamilyRow{"fan", CollectFan},
+    FamilyRow{"clocks", CollectClocks},
+    FamilyRow{"throttle", CollectThrottleReasons},
+    FamilyRow{"perf_levels", CollectPerfLevels},
+    FamilyRow{"power", CollectPower},
+    FamilyRow{"usage", CollectUsage},
+    FamilyRow{"memory", CollectMemory},
+    FamilyRow{"pcie", CollectPcie},
+    FamilyRow{"interconnect", CollectInterconnect},
+    FamilyRow{"processes", CollectProcesses},
+    FamilyRow{"slices", CollectSlices},
+    FamilyRow{"versions", CollectVersions},
+    FamilyRow{"limited_devices", CollectLimitedDevices},
+};
+
+constexpr std::array<std::string_view, 2> c_metricsAbsentByValue{
+    "dksml_clock_throttle_reason_active",
+    "dksml_process_memory_bytes",
+};
+
+}  // namespace
+
+bool AbsenceIsAValue(std::string_view metricName) {
+    for (std::string_view name : c_metricsAbsentByValue)
+        if (name == metricName) return true;
+    return false;
+}
+
+std::span<const FamilyRow> ExporterFamilies() { return c_exporterFamilies; }
+
+LabelList DieLabels(const GpuTarget& gpu, uint32_t die) {
+    LabelList labels = gpu.labels;
+    labels.emplace_back("die", std::to_string(die));
+    return labels;
+}
+
+LabelList WithLabels(const LabelList& base, const LabelList& extra) {
+    LabelList labels = base;
+    labels.insert(labels.end(), extra.begin(), extra.end());
+    return labels;
+}
+
+}  // namespace dksml::exporter
