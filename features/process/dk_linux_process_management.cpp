@@ -17,6 +17,8 @@
 #include "features/process/dk_process_records.h"
 
 namespace dksml {
+
+thread_local std::unordered_set<uint32_t> DkLinuxProcessManagement::s_reportedPids;
 namespace {
 
 constexpr std::string_view c_vramPrefix = "vram_";
@@ -95,7 +97,7 @@ DkSmlReturn DkLinuxProcessManagement::GetProcessInfoImpl(DkSmlProcessInfo_v3* re
                                                          uint32_t* count, uint32_t gpuFilter, bool includeAll,
                                                          bool singleGpu) {
     if (count == nullptr || (records == nullptr && capacity != 0)) return DK_SML_ERROR_INVALID_INPUT;
-    m_reportedPids.clear();
+    s_reportedPids.clear();
     const std::string base = HostPath(m_driverProcessDir);
     DkDirList clients(base);
     if (!clients.Opened()) return DK_SML_ERROR_NOT_SUPPORTED;
@@ -126,7 +128,7 @@ DkSmlReturn DkLinuxProcessManagement::GetProcessInfoImpl(DkSmlProcessInfo_v3* re
             record.pid = pid;
         }
         if (!allGpus || pid != 0) ++*count;
-        m_reportedPids.insert(static_cast<uint32_t>(nspid));
+        s_reportedPids.insert(static_cast<uint32_t>(nspid));
     }
     if (allGpus && includeAll) GetProcessRefDkcd(records, capacity, count);
     return DK_SML_SUCCESS;
@@ -210,7 +212,7 @@ void DkLinuxProcessManagement::GetProcessRefDkcd(DkSmlProcessInfo_v3* records, u
     DkDirList processes(HostPath(m_hostProcessDir));
     for (std::size_t i = 0; i < processes.Size(); ++i) {
         uint32_t pid = 0;
-        if (!ParseDecimalName(processes.Name(i), pid) || m_reportedPids.count(pid) != 0) continue;
+        if (!ParseDecimalName(processes.Name(i), pid) || s_reportedPids.count(pid) != 0) continue;
         if (!HoldsDeviceNode(processes.Name(i))) continue;
         if (records != nullptr && *count < capacity) {
             DkSmlProcessInfo_v3& record = records[*count];

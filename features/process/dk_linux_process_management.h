@@ -47,7 +47,10 @@ private:
     std::string m_driverProcessDir;
     uint64_t m_memoryThreshold;
     std::string m_hostProcessDir;
-    std::unordered_set<uint32_t> m_reportedPids;
+    // Namespace pids reported by the scan in progress. The object is shared
+    // by every thread that queries, so this scratch belongs to the calling
+    // thread, never to the object.
+    static thread_local std::unordered_set<uint32_t> s_reportedPids;
 };
 
 }  // namespace dksml
