@@ -1,5 +1,6 @@
 // The driver's layout nodes ("layout/nodes/N/"): which GPU sits at which bus
-// id under which driver GPU id, its properties, UUID and links.
+// id under which driver GPU id, its properties and UUID. The link records
+// are left to the topology tables, which read them when first asked.
 #include <algorithm>
 #include <dirent.h>
 #include <string_view>
@@ -16,7 +17,6 @@ namespace {
 
 constexpr std::string_view c_cpuNodeType = "cpu";
 constexpr std::string_view c_sliceNodeType = "sgpu-sub-dev";
-constexpr uint32_t c_linkNodeModulus = 65536;
 
 template <typename T>
 bool ReadNumberFile(const std::string& path, T& value) {
@@ -84,31 +84,6 @@ std::string GetGpuUuid(const std::string& nodeDir) { return ReadFirstLine(nodeDi
 
 }  // namespace
 
-void DkSystemManager::GetLinksInfo(const std::string& linksDir, std::vector<DkLinkAttr>& links) {
-    for (uint32_t number : ListNumberedEntries(linksDir)) {
-        std::string text;
-        if (ReadFileText(linksDir + std::to_string(number) + "/properties", text) != DK_SML_SUCCESS) continue;
-        DkLinkAttr link;
-        bool hasTo = false, hasType = false;
-        DkTextLines lines(text);
-        std::string_view line, key, value;
-        while (lines.Next(line)) {
-            unsigned long number64 = 0;
-            if (!SplitKeyValue(line, key, value) || !stoul_nt(value, number64)) continue;
-            if (key == "to") {
-                link.to = static_cast<uint32_t>(number64 % c_linkNodeModulus);
-                hasTo = true;
-            } else if (key == "type") {
-                link.type = static_cast<uint32_t>(number64);
-                hasType = true;
-            } else if (key == "distance") {
-                link.distance = static_cast<uint32_t>(number64);
-            }
-        }
-        if (hasTo && hasType) links.push_back(link);
-    }
-}
-
 void DkSystemManager::ParseLayoutNodeInfo() {
     State& s = *m_state;
     s.cpuNodeCount = 0;
@@ -146,8 +121,6 @@ void DkSystemManager::ParseGpuNode(const std::string& nodeDir, uint32_t nodeId, 
     }
     ReadNumberFile(nodeDir + "active", node.active);
     node.uuid = GetGpuUuid(nodeDir);
-    GetLinksInfo(nodeDir + "direct_links/", node.directLinks);
-    GetLinksInfo(nodeDir + "indirect_links/", node.indirectLinks);
     s.gpuNodeMap.emplace(node.bdfId, std::move(node));
 }
 

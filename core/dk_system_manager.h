@@ -29,6 +29,7 @@
 namespace dksml {
 
 class DkDevice;
+struct DkPciEntry;
 class DkTopology;
 class IDkDeviceFactory;
 class IDkProcessManagement;
@@ -64,8 +65,6 @@ struct DkGpuNodeInfo {
     std::string bdfId;
     std::string uuid;
     int32_t active = 0;
-    std::vector<DkLinkAttr> directLinks;
-    std::vector<DkLinkAttr> indirectLinks;
     uint32_t deviceIndex = UINT32_MAX;
 };
 
@@ -206,16 +205,15 @@ private:
     void AssignHandles();
     void ChooseDriverDirectories();
     void InitVendorId();
-    bool GetDkDeviceInfo(const std::string& deviceDir, DkSysInfo& info) const;
+    bool GetDkDeviceInfo(const DkPciEntry& entry, const std::string& searchPath, DkSysInfo& info) const;
 
     // Layout nodes.
     void ParseLayoutNodeInfo();
     void ParseGpuNode(const std::string& nodeDir, uint32_t nodeId, uint32_t gpuId);
-    static void GetLinksInfo(const std::string& linksDir, std::vector<DkLinkAttr>& links);
 
     // PCI scan.
     void DiscoverDkDevices(const std::string& searchPath);
-    void ScanPciEntry(const std::string& searchPath, const std::string& name, uint32_t nicVendorId,
+    void ScanPciEntry(const std::string& searchPath, const DkPciEntry& entry, uint32_t nicVendorId,
                       std::vector<DkLimitedDeviceInfo>& limited);
     void CreateDevice(const std::string& searchPath, const DkSysInfo& info);
     uint32_t AssignDeviceIdForNewDevice(bool isVf);

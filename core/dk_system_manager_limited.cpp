@@ -6,6 +6,7 @@
 #include "core/dk_driver_data_handler_factory.h"
 #include "core/dk_file_text.h"
 #include "core/dk_host_root.h"
+#include "core/dk_pci_entry.h"
 #include "core/dk_system_manager.h"
 #include "core/dk_system_manager_state.h"
 #include "driver/dk_text.h"
@@ -62,9 +63,12 @@ DkSmlReturn DkSystemManager::CheckNodeInvalidReason(const std::string& bdfId, ui
     if (result != DK_SML_SUCCESS || !installed) {
         reason = DK_SML_UNAVAILABLE_DRIVER_NOT_FOUND;
     } else {
-        const std::string powerState = HostPath(ReadState().searchPath + "/" + bdfId + "/smi/pcipowerstate");
+        // One open tells "absent" (3) from "there but unreadable" (4).
+        const DkDirFd searchDir = CurrentHostRoot()->OpenDir(ReadState().searchPath);
+        const DkPciEntry entry{searchDir.Get(), bdfId};
         std::string content;
-        bool unreadable = CheckIfFileExist(powerState) && ReadFileText(powerState, content) != DK_SML_SUCCESS;
+        bool unreadable = ReadFileTextAt(searchDir.Get(), entry.File("smi/pcipowerstate").c_str(), content) ==
+                          DK_SML_ERROR_SYSFS;
         reason = unreadable ? DK_SML_UNAVAILABLE_SYSFS_INACCESSIBLE : DK_SML_UNAVAILABLE_LAYOUT_NODE_NOT_FOUND;
     }
     text = ReasonText(reason);
@@ -164,7 +168,9 @@ std::shared_ptr<IDkDevice> DkSystemManager::MockDevice(const std::string& device
     if (slash == std::string::npos || slash + 1 >= deviceDir.size()) return nullptr;
     DkSysInfo info;
     info.bdfId = deviceDir.substr(slash + 1);
-    GetDkDeviceInfo(deviceDir, info);
+    const std::string searchPath = deviceDir.substr(0, slash);
+    const DkDirFd searchDir = CurrentHostRoot()->OpenDir(searchPath);
+    GetDkDeviceInfo(DkPciEntry{searchDir.Get(), info.bdfId}, searchPath, info);
     auto device = std::make_shared<DkDevice>(deviceDir.substr(0, slash));
     device->SetAttributeWithHandler(info, DkDriverDataHandlerFactory::CreateDriverDataHandler());
     return device;
