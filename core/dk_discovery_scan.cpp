@@ -22,18 +22,26 @@ constexpr uint32_t c_lastPfIndex = 99;
 // A device answers through its driver only when these open and hold a line.
 constexpr const char* c_accessProbeFiles[] = {"smi/pcipowerstate", "smi/showvendorid"};
 
-// A file that opens and holds a line, read through this thread's scratch text.
-bool CheckIsSysfsAccessible(const DkPciEntry& entry, const char* file) {
+// A file that opens and holds a line, read through this thread's scratch
+// text; `status` is the read's own status.
+bool CheckIsSysfsAccessible(const DkPciEntry& entry, const char* file, DkSmlReturn& status) {
     thread_local std::string text;
-    if (ReadFileTextAt(entry.dirFd, entry.File(file).c_str(), text) != DK_SML_SUCCESS) return false;
+    status = ReadFileTextAt(entry.dirFd, entry.File(file).c_str(), text);
+    if (status != DK_SML_SUCCESS) return false;
     DkTextLines lines(text);
     std::string_view line;
     return lines.Next(line);
 }
 
-bool CheckIsDeviceAccessible(const DkPciEntry& entry) {
-    for (const char* file : c_accessProbeFiles)
-        if (!CheckIsSysfsAccessible(entry, file)) return false;
+// The first probe is "pcipowerstate": its status is handed on so that the
+// reason of a limited device needs no second look at it.
+bool CheckIsDeviceAccessible(const DkPciEntry& entry, DkSmlReturn& powerState) {
+    DkSmlReturn status = DK_SML_SUCCESS;
+    for (const char* file : c_accessProbeFiles) {
+        const bool accessible = CheckIsSysfsAccessible(entry, file, status);
+        if (file == c_accessProbeFiles[0]) powerState = status;
+        if (!accessible) return false;
+    }
     return true;
 }
 
@@ -74,8 +82,9 @@ void DkSystemManager::ScanPciEntry(const std::string& searchPath, const DkPciEnt
     info.bdfId = entry.name;
     const std::string deviceDir = searchPath + "/" + info.bdfId;
     if (CheckIsInfinibandEnabled(entry)) ParseTargetNiNodeInfo(deviceDir, info.bdfId);
-    if (!CheckIsDeviceAccessible(entry) || (!info.isVf && m_state->gpuNodeMap.count(info.bdfId) == 0)) {
-        AppendLimitedDevice(info, limited);
+    DkSmlReturn powerState = DK_SML_SUCCESS;
+    if (!CheckIsDeviceAccessible(entry, powerState) || (!info.isVf && m_state->gpuNodeMap.count(info.bdfId) == 0)) {
+        AppendLimitedDevice(info, powerState, limited);
         return;
     }
     CreateDevice(searchPath, info);
@@ -129,14 +138,15 @@ void DkSystemManager::AddDieKeys(const std::shared_ptr<IDkDevice>& device) {
     }
 }
 
-void DkSystemManager::AppendLimitedDevice(const DkSysInfo& info, std::vector<DkLimitedDeviceInfo>& limited) const {
+void DkSystemManager::AppendLimitedDevice(const DkSysInfo& info, DkSmlReturn powerState,
+                                          std::vector<DkLimitedDeviceInfo>& limited) const {
     DkLimitedDeviceInfo record;
     record.bdfId = info.bdfId;
     record.vendorId = info.vendorId;
     record.deviceId = info.deviceId;
     record.isVf = info.isVf;
     // The record keeps the reason even when "/proc/modules" cannot be read.
-    CheckNodeInvalidReason(info.bdfId, record.reason, record.reasonText);
+    CheckNodeInvalidReason(info.bdfId, record.reason, record.reasonText, &powerState);
     limited.push_back(std::move(record));
 }
 

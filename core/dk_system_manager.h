@@ -29,6 +29,7 @@
 namespace dksml {
 
 class DkDevice;
+class DkLayoutReader;
 struct DkPciEntry;
 class DkTopology;
 class IDkDeviceFactory;
@@ -209,7 +210,7 @@ private:
 
     // Layout nodes.
     void ParseLayoutNodeInfo();
-    void ParseGpuNode(const std::string& nodeDir, uint32_t nodeId, uint32_t gpuId);
+    void ParseGpuNode(DkLayoutReader& reader, uint32_t nodeId, uint32_t gpuId, const std::string& type);
 
     // PCI scan.
     void DiscoverDkDevices(const std::string& searchPath);
@@ -219,7 +220,8 @@ private:
     uint32_t AssignDeviceIdForNewDevice(bool isVf);
     void SetDeviceAttribute(IDkDevice& device, const DkSysInfo& info) const;
     void AddDieKeys(const std::shared_ptr<IDkDevice>& device);
-    void AppendLimitedDevice(const DkSysInfo& info, std::vector<DkLimitedDeviceInfo>& limited) const;
+    void AppendLimitedDevice(const DkSysInfo& info, DkSmlReturn powerState,
+                             std::vector<DkLimitedDeviceInfo>& limited) const;
     void ParseTargetNiNodeInfo(const std::string& deviceDir, const std::string& bdfId);
 
     // After the scan.
@@ -227,7 +229,10 @@ private:
     void GetRenderIdAndCardId();
 
     // Limited devices and boards.
-    DkSmlReturn CheckNodeInvalidReason(const std::string& bdfId, uint32_t& reason, std::string& text) const;
+    // `powerState`: the status of the scan's own read of "smi/pcipowerstate",
+    // when there was one; else the file is read here.
+    DkSmlReturn CheckNodeInvalidReason(const std::string& bdfId, uint32_t& reason, std::string& text,
+                                       const DkSmlReturn* powerState = nullptr) const;
     const DkLimitedDeviceInfo* FindLimitedDevice(uint32_t deviceIndex) const;
     void ConstructBoardIdMap();
 

@@ -56,19 +56,22 @@ void FillReason(DkSmlDeviceUnavailableReasonInfo* info, uint32_t reason) {
 
 // Reason 100 also stands when "/proc/modules" cannot be read (the driver
 // cannot be confirmed as loaded); the status then is 4.
-DkSmlReturn DkSystemManager::CheckNodeInvalidReason(const std::string& bdfId, uint32_t& reason,
-                                                    std::string& text) const {
+DkSmlReturn DkSystemManager::CheckNodeInvalidReason(const std::string& bdfId, uint32_t& reason, std::string& text,
+                                                    const DkSmlReturn* powerState) const {
     bool installed = false;
     DkSmlReturn result = CheckIsDriverInstalled(installed);
     if (result != DK_SML_SUCCESS || !installed) {
         reason = DK_SML_UNAVAILABLE_DRIVER_NOT_FOUND;
     } else {
         // One open tells "absent" (3) from "there but unreadable" (4).
-        const DkDirFd searchDir = CurrentHostRoot()->OpenDir(ReadState().searchPath);
-        const DkPciEntry entry{searchDir.Get(), bdfId};
-        std::string content;
-        bool unreadable = ReadFileTextAt(searchDir.Get(), entry.File("smi/pcipowerstate").c_str(), content) ==
-                          DK_SML_ERROR_SYSFS;
+        DkSmlReturn status = powerState != nullptr ? *powerState : DK_SML_SUCCESS;
+        if (powerState == nullptr) {
+            const DkDirFd searchDir = CurrentHostRoot()->OpenDir(ReadState().searchPath);
+            const DkPciEntry entry{searchDir.Get(), bdfId};
+            std::string content;
+            status = ReadFileTextAt(searchDir.Get(), entry.File("smi/pcipowerstate").c_str(), content);
+        }
+        const bool unreadable = status == DK_SML_ERROR_SYSFS;
         reason = unreadable ? DK_SML_UNAVAILABLE_SYSFS_INACCESSIBLE : DK_SML_UNAVAILABLE_LAYOUT_NODE_NOT_FOUND;
     }
     text = ReasonText(reason);
