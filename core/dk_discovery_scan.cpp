@@ -17,7 +17,6 @@ namespace dksml {
 
 namespace {
 
-constexpr uint32_t c_noDevice = UINT32_MAX;
 constexpr uint32_t c_lastPfIndex = 99;
 // A device answers through its driver only when these open and hold a line.
 constexpr const char* c_accessProbeFiles[] = {"smi/pcipowerstate", "smi/showvendorid"};
