@@ -19,10 +19,10 @@ from .enums import (
 )
 from .errors import DeviceNotAvailable, DkSmlError, NotSupported
 from .records import (
-    ApUsage, BoardWay, Clocks, DeviceInfo, DpmLevels, ExFieldValue, ExMemory, ExPciInfo, ExProcess, ExUtilization,
-    Fan, IsaVersion, LimitedDevice, LinkAer, LinkBandwidth, LinkPort, LinkRemote, LinkState, LinkTopo, LinkTraffic,
-    Memory, MemoryPool, PcieLink, PcieThroughput, Pmbus, Process, ProcessGpuUse, ReasonInfo, SliceInfo, SliceMemory,
-    SliceQuota, Temperatures, UuidPair, Versions,
+    ApUsage, Bandwidth, BoardWay, Clocks, DeviceInfo, DpmLevels, EccErrors, EthernetThroughput, ExFieldValue,
+    ExMemory, ExPciInfo, ExProcess, ExUtilization, Fan, IsaVersion, LimitedDevice, LinkAer, LinkBandwidth, LinkPort,
+    LinkRemote, LinkState, LinkTopo, LinkTraffic, Memory, MemoryPool, PcieLink, PcieThroughput, Pmbus, Process,
+    ProcessGpuUse, RasErrors, ReasonInfo, SliceInfo, SliceMemory, SliceQuota, Temperatures, UuidPair, Versions,
 )
 
 
@@ -39,8 +39,9 @@ __all__ = [
     "LinkDirection", "PciPowerState", "PmbusUnit", "Return", "TemperatureSensor", "TopologyLevel",
     "UnavailableReason", "UsageIp", "VersionUnit", "VirtualizationMode",
     "DeviceNotAvailable", "DkSmlError", "NotSupported",
-    "ApUsage", "BoardWay", "Clocks", "DeviceInfo", "DpmLevels", "ExFieldValue", "ExMemory", "ExPciInfo", "ExProcess",
-    "ExUtilization", "Fan", "IsaVersion", "LimitedDevice", "LinkAer", "LinkBandwidth", "LinkPort", "LinkRemote",
-    "LinkState", "LinkTopo", "LinkTraffic", "Memory", "MemoryPool", "PcieLink", "PcieThroughput", "Pmbus", "Process",
-    "ProcessGpuUse", "ReasonInfo", "SliceInfo", "SliceMemory", "SliceQuota", "Temperatures", "UuidPair", "Versions",
+    "ApUsage", "Bandwidth", "BoardWay", "Clocks", "DeviceInfo", "DpmLevels", "EccErrors", "EthernetThroughput",
+    "ExFieldValue", "ExMemory", "ExPciInfo", "ExProcess", "ExUtilization", "Fan", "IsaVersion", "LimitedDevice",
+    "LinkAer", "LinkBandwidth", "LinkPort", "LinkRemote", "LinkState", "LinkTopo", "LinkTraffic", "Memory",
+    "MemoryPool", "PcieLink", "PcieThroughput", "Pmbus", "Process", "ProcessGpuUse", "RasErrors", "ReasonInfo",
+    "SliceInfo", "SliceMemory", "SliceQuota", "Temperatures", "UuidPair", "Versions",
 ]

@@ -235,6 +235,7 @@ def read_array(name: str, element: Any, *args: Any, count_first: bool = True, co
 
     count = u32(0)
     code = invoke(ctypes.byref(count), None)
+    last: list[Any] = []
     for _ in range(3):
         if code == success and count.value == 0:
             return []
@@ -244,8 +245,12 @@ def read_array(name: str, element: Any, *args: Any, count_first: bool = True, co
         array = (element * capacity)()
         count = u32(capacity)
         code = invoke(ctypes.byref(count), array)
-        if code == success:
-            return list(array[: min(int(count.value), capacity)])
+        # Some exports answer success with the number found even when it is above the capacity.
+        if code == success and int(count.value) <= capacity:
+            return list(array[: int(count.value)])
+        last = list(array)
+    if code == success:  # still growing after three tries: what the last call filled
+        return last
     if compat:
         raise ex_error_for(code, ex_error_text(code), name)
     raise error_for(code, error_text(code), name)

@@ -282,3 +282,48 @@ FAMILY_PROTOTYPES: dict[str, tuple[Any, list[Any]]] = {
     "dkSmlExSystemGetVornDriverVersion": (u32, [P(u32)]),
     "dkSmlExSystemGetDksmlVersion": (u32, [ctypes.c_char_p, u32]),
 }
+
+
+class RasErrorData(ctypes.Structure):
+    _fields_ = [("block", u32), ("correctable", u64), ("uncorrectable", u64)]
+
+
+class RasErrorDataV2(ctypes.Structure):
+    _fields_ = RasErrorData._fields_ + [("deferred", u64)]
+
+
+class EccErrorCount(ctypes.Structure):
+    _fields_ = [("correctable", u64), ("uncorrectable", u64)]
+
+
+class BandwidthInfo(ctypes.Structure):
+    _fields_ = [("read", u64), ("write", u64)]
+
+
+class EthThroughput(ctypes.Structure):
+    _fields_ = [("rxBytes", u64), ("txBytes", u64)]
+
+
+FAMILY_PROTOTYPES.update({
+    # RAS and ECC
+    "dkSmlGetRasErrorData": (u32, [u32, P(RasErrorData)]),
+    "dkSmlGetRasErrorData_v2": (u32, [u32, u32, P(RasErrorDataV2)]),
+    "dkSmlGetRasStatusData": (u32, [u32, P(u32), P(u32)]),
+    "dkSmlGetEccState": (u32, [u32, P(u32)]),
+    "dkSmlGetTotalEccErrors": (u32, [u32, P(EccErrorCount)]),
+    # Identity texts and states
+    "dkSmlGetEepromInfo": (u32, [u32, ctypes.c_char_p, P(u32)]),
+    "dkSmlGetPciEventInfo": (u32, [u32, ctypes.c_char_p, P(u32)]),
+    "dkSmlGetSriovState": (u32, [u32, P(u32)]),
+    "dkSmlGetFwLoglevel": (u32, [u32, P(u32)]),
+    "dkSmlGetFwIpLoglevel": (u32, [u32, u32, P(u32)]),
+    # I/O units
+    "dkSmlGetVpuStatus": (u32, [u32, P(u32), P(u32)]),
+    "dkSmlGetCodecStatus": (u32, [u32, P(u32), P(u32)]),
+    "dkSmlGetHbmBandWidth": (u32, [u32, P(u32), P(BandwidthInfo)]),
+    "dkSmlGetDmaBandwidth": (u32, [u32, P(u32), P(BandwidthInfo)]),
+    "dkSmlGetEthThroughput": (u32, [u32, P(u32), P(EthThroughput)]),
+    "dkSmlGetOpticalModuleStatus": (u32, [u32, P(u32), P(u32)]),
+    "dkSmlGetOpticalModuleInfo": (u32, [u32, u32, ctypes.c_char_p, P(u32)]),
+    "dkSmlGetOpticalModulePower": (u32, [u32, u32, P(u32), P(i32)]),
+})

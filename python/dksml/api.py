@@ -268,6 +268,7 @@ def pptable_version(index: int) -> str:
 from .api_compat import *  # noqa: E402,F401,F403
 from .api_platform import *  # noqa: E402,F401,F403
 from .api_processes import *  # noqa: E402,F401,F403
+from .api_units import *  # noqa: E402,F401,F403
 
 __all__ = [name for name in dir() if not name.startswith("_") and name not in ("annotations", "ctypes", "n", "r",
                                                                               "Optional", "error_for")]

@@ -52,9 +52,16 @@ def processes(version: int = 3) -> list[r.Process]:
 
 
 def device_processes(index: int, version: int = 3) -> list[r.Process]:
-    """Processes using one device (version 3 also answers for a slice-mode parent)."""
+    """Processes using one device. Version 3 also answers for a device in slice
+    mode: the processes whose first GPU is one of its slices."""
     _, name, record = _RECORD_BY_VERSION[version]
-    return [_process(p) for p in n.read_array(name, record, index)]
+    # No device has more users than the host has processes; the slice-parent
+    # form reports only what fits, so the capacity is that bound from the start.
+    capacity = max(process_count(), 1)
+    array = (record * capacity)()
+    count = n.u32(capacity)
+    n.call(name, index, ctypes.byref(count), array)
+    return [_process(p) for p in array[: min(int(count.value), capacity)] if int(p.gpuCount) > 0]
 
 
 # Slices --------------------------------------------------------------------

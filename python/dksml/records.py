@@ -291,3 +291,31 @@ class ExFieldValue:
     latency_us: int
     status: int
     value: float | int
+
+
+@dataclass(frozen=True)
+class RasErrors:
+    block: int
+    correctable: int
+    uncorrectable: int
+    deferred: Optional[int]          # only in the per-die record
+
+
+@dataclass(frozen=True)
+class EccErrors:
+    correctable: int
+    uncorrectable: int
+
+
+@dataclass(frozen=True)
+class Bandwidth:
+    """Read and write bandwidth of one channel or engine, in the driver's units."""
+
+    read: int
+    write: int
+
+
+@dataclass(frozen=True)
+class EthernetThroughput:
+    rx_bytes: int
+    tx_bytes: int

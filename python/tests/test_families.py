@@ -39,6 +39,11 @@ class SlicesHostTest(unittest.TestCase):
         self.assertEqual([d.snapshot() for d in dksml.devices()], without_unexported(expected["devices"]))
         shown = [{k: v for k, v in p.items() if k != "namespace_pid"} for p in expected["processes"]]
         self.assertEqual(process_rows(api.processes()), shown)
+        users = [p["pid"] for p in shown if any(g["device_index"] == PLAIN_DEVICE for g in p["gpus"])]
+        self.assertEqual([p.pid for p in api.device_processes(PLAIN_DEVICE)], users)
+        # A slice parent answers for the processes whose first GPU is one of its slices.
+        firsts = [p["pid"] for p in shown if p["gpus"][0]["device_index"] == SLICE_DEVICE]
+        self.assertEqual([p.pid for p in api.device_processes(SLICE_DEVICE)], firsts)
 
     def test_older_record_versions_drop_the_newer_fields(self) -> None:
         newest = api.processes(3)
