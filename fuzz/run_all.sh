@@ -25,7 +25,7 @@ case $seconds in
 esac
 
 script_dir=$(cd "$(dirname "$0")" && pwd)
-targets="lines keyvalue arrays conversions cpulist smbios dpm_version power_text"
+targets="lines keyvalue arrays conversions cpulist smbios dpm_version power_text process_dir"
 
 if ! cmake --build "$build_dir" --target dksml_fuzz; then
     echo "fuzz: building the targets failed (is $build_dir configured with -DDKSML_BUILD_FUZZ=ON?)" >&2

@@ -106,6 +106,7 @@ DkSmlReturn DkSliceGpu::CreateSgpu(IDkDevice* device, uint32_t vramQuota, uint32
     const uint32_t expected = GetExpectedSgpuId(device);
     result = WriteSysfs(DeviceFile(device, c_sgpuCreateFile), vramQuota);
     if (result != DK_SML_SUCCESS) return result;
+    AfterCreateWritten(device, expected);
     result = SetSgpuComputeQuota(device, expected, computeQuota);
     if (result != DK_SML_SUCCESS) {
         (void)RemoveSgpu(device, expected);

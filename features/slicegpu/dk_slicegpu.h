@@ -44,6 +44,12 @@ public:
     // "sgpu<id>" directory (0 when the directory cannot be listed).
     uint32_t GetExpectedSgpuId(IDkDevice* device);
 
+protected:
+    // Called after "create" was written and before the new slice's quota is
+    // set: the driver has made the slice directory by then. Tests that run
+    // on a static tree override it to play the driver's part.
+    virtual void AfterCreateWritten(IDkDevice* /*device*/, uint32_t /*sgpuId*/) {}
+
 private:
     // 0 in slice mode, 3 in native mode, the read failure otherwise.
     DkSmlReturn CheckSgpuMode(IDkDevice* device);

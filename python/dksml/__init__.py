@@ -13,13 +13,16 @@ the feature); the low-level functions, one per export, are in dksml.api.
 from . import api
 from .device import Device, devices, ensure_initialised
 from .enums import (
-    DIE_ALL, FIRST_VF_INDEX, Brand, ClockIp, PciPowerState, PmbusUnit, Return, TemperatureSensor,
-    UnavailableReason, UsageIp, VersionUnit, VirtualizationMode,
+    DIE_ALL, FIRST_VF_INDEX, Brand, ClockIp, DpmIp, ExClockId, ExClockType, ExLinkDeviceType, ExP2PCaps, ExP2PStatus,
+    ExPcieCounter, ExReturn, ExTemperatureThreshold, ExTopologyLevel, LinkDirection, PciPowerState, PmbusUnit, Return,
+    TemperatureSensor, TopologyLevel, UnavailableReason, UsageIp, VersionUnit, VirtualizationMode,
 )
 from .errors import DeviceNotAvailable, DkSmlError, NotSupported
 from .records import (
-    Clocks, DeviceInfo, Fan, IsaVersion, LimitedDevice, Memory, MemoryPool, PcieLink, Pmbus, ReasonInfo,
-    Temperatures,
+    ApUsage, Bandwidth, BoardWay, Clocks, DeviceInfo, DpmLevels, EccErrors, EthernetThroughput, ExFieldValue,
+    ExMemory, ExPciInfo, ExProcess, ExUtilization, Fan, IsaVersion, LimitedDevice, LinkAer, LinkBandwidth, LinkPort,
+    LinkRemote, LinkState, LinkTopo, LinkTraffic, Memory, MemoryPool, PcieLink, PcieThroughput, Pmbus, Process,
+    ProcessGpuUse, RasErrors, ReasonInfo, SliceInfo, SliceMemory, SliceQuota, Temperatures, UuidPair, Versions,
 )
 
 
@@ -31,9 +34,14 @@ def limited_devices() -> list[LimitedDevice]:
 
 __all__ = [
     "api", "Device", "devices", "ensure_initialised", "limited_devices",
-    "DIE_ALL", "FIRST_VF_INDEX", "Brand", "ClockIp", "PciPowerState", "PmbusUnit", "Return", "TemperatureSensor",
+    "DIE_ALL", "FIRST_VF_INDEX", "Brand", "ClockIp", "DpmIp", "ExClockId", "ExClockType", "ExLinkDeviceType",
+    "ExP2PCaps", "ExP2PStatus", "ExPcieCounter", "ExReturn", "ExTemperatureThreshold", "ExTopologyLevel",
+    "LinkDirection", "PciPowerState", "PmbusUnit", "Return", "TemperatureSensor", "TopologyLevel",
     "UnavailableReason", "UsageIp", "VersionUnit", "VirtualizationMode",
     "DeviceNotAvailable", "DkSmlError", "NotSupported",
-    "Clocks", "DeviceInfo", "Fan", "IsaVersion", "LimitedDevice", "Memory", "MemoryPool", "PcieLink", "Pmbus",
-    "ReasonInfo", "Temperatures",
+    "ApUsage", "Bandwidth", "BoardWay", "Clocks", "DeviceInfo", "DpmLevels", "EccErrors", "EthernetThroughput",
+    "ExFieldValue", "ExMemory", "ExPciInfo", "ExProcess", "ExUtilization", "Fan", "IsaVersion", "LimitedDevice",
+    "LinkAer", "LinkBandwidth", "LinkPort", "LinkRemote", "LinkState", "LinkTopo", "LinkTraffic", "Memory",
+    "MemoryPool", "PcieLink", "PcieThroughput", "Pmbus", "Process", "ProcessGpuUse", "RasErrors", "ReasonInfo",
+    "SliceInfo", "SliceMemory", "SliceQuota", "Temperatures", "UuidPair", "Versions",
 ]

@@ -9,8 +9,9 @@ import threading
 from pathlib import Path
 from typing import Any, Callable, Optional
 
-from .enums import Return
-from .errors import error_for
+from ._native_families import FAMILY_PROTOTYPES
+from .enums import ExReturn, Return
+from .errors import error_for, ex_error_for
 
 u32 = ctypes.c_uint32
 i32 = ctypes.c_int32
@@ -152,6 +153,7 @@ PROTOTYPES: dict[str, tuple[Any, list[Any]]] = {
     "dkSmlGetDeviceVersion": (u32, [u32, u32, ctypes.c_char_p, P(u32)]),
     "dkSmlGetPptableVersion": (u32, [u32, ctypes.c_char_p, P(u32)]),
 }
+PROTOTYPES.update(FAMILY_PROTOTYPES)
 
 def _load() -> ctypes.CDLL:
     named = os.environ.get(LIBRARY_ENV)
@@ -218,10 +220,14 @@ def read_text(name: str, *args: Any) -> str:
     raise error_for(code, error_text(code), name)
 
 
-def read_array(name: str, element: Any, *args: Any, count_first: bool = True) -> list[Any]:
+def read_array(name: str, element: Any, *args: Any, count_first: bool = True, compat: bool = False) -> list[Any]:
     """An array export with a count in/out: the first call learns the count.
 
-    ``count_first`` says whether the count pointer comes before the array."""
+    ``count_first`` says whether the count pointer comes before the array;
+    ``compat`` that the export is of the dkSmlEx* family (its own statuses)."""
+    success, too_small, bad_input = ((ExReturn.SUCCESS, ExReturn.ERROR_INSUFFICIENT_SIZE, ExReturn.ERROR_INVALID_ARGUMENT)
+                                     if compat else
+                                     (Return.SUCCESS, Return.ERROR_INSUFFICIENT_SIZE, Return.ERROR_INVALID_INPUT))
 
     def invoke(count: Any, array: Any) -> int:
         ordered = (count, array) if count_first else (array, count)
@@ -229,18 +235,47 @@ def read_array(name: str, element: Any, *args: Any, count_first: bool = True) ->
 
     count = u32(0)
     code = invoke(ctypes.byref(count), None)
+    last: list[Any] = []
     for _ in range(3):
-        if code == Return.SUCCESS and count.value == 0:
+        if code == success and count.value == 0:
             return []
-        if code not in (Return.SUCCESS, Return.ERROR_INSUFFICIENT_SIZE, Return.ERROR_INVALID_INPUT):
+        if code not in (success, too_small, bad_input):
             break
         capacity = max(int(count.value), 1)
         array = (element * capacity)()
         count = u32(capacity)
         code = invoke(ctypes.byref(count), array)
-        if code == Return.SUCCESS:
-            return list(array[: min(int(count.value), capacity)])
+        # Some exports answer success with the number found even when it is above the capacity.
+        if code == success and int(count.value) <= capacity:
+            return list(array[: int(count.value)])
+        last = list(array)
+    if code == success:  # still growing after three tries: what the last call filled
+        return last
+    if compat:
+        raise ex_error_for(code, ex_error_text(code), name)
     raise error_for(code, error_text(code), name)
 
 
 Getter = Callable[..., Any]
+
+
+def fixed_array(name: str, element: Any, capacity: int, *args: Any, count_first: bool = True) -> list[Any]:
+    """An array export whose length the library bounds (ports, ways): one call
+    with that bound as the capacity."""
+    array = (element * capacity)()
+    count = u32(capacity)
+    ordered = (ctypes.byref(count), array) if count_first else (array, ctypes.byref(count))
+    call(name, *args, *ordered)
+    return list(array[: min(int(count.value), capacity)])
+
+
+def ex_error_text(code: int) -> str:
+    raw: Optional[bytes] = library().dkSmlExErrorString(code)
+    return raw.decode("utf-8", "replace") if raw else ""
+
+
+def ex_call(name: str, *args: Any) -> None:
+    """Calls a compatibility (dkSmlEx*) export; its statuses are DkSmlExReturn values."""
+    code = int(getattr(library(), name)(*args))
+    if code != ExReturn.SUCCESS:
+        raise ex_error_for(code, ex_error_text(code), name)

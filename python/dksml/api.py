@@ -213,7 +213,7 @@ def pmbus(index: int, unit: PmbusUnit, die: Optional[int] = None) -> r.Pmbus:
     return _pmbus(record)
 
 
-def board_power_limit_w(index: int) -> int:
+def board_power_limit_mw(index: int) -> int:
     value = n.u32()
     n.call("dkSmlGetBoardPowerLimit", index, ctypes.byref(value))
     return int(value.value)
@@ -251,7 +251,7 @@ def usage_percent(index: int, ip: UsageIp, die: Optional[int] = None) -> int:
 def pcie_link(index: int, maximum: bool = False) -> r.PcieLink:
     info = n.PcieInfo()
     n.call("dkSmlGetPcieMaxLinkInfo" if maximum else "dkSmlGetPcieInfo", index, ctypes.byref(info))
-    return r.PcieLink(speed_gts=round(float(info.speed), 3), width_lanes=int(info.width))
+    return r.PcieLink(speed_gts=float(info.speed), width_lanes=int(info.width))
 
 
 # Versions ------------------------------------------------------------------
@@ -263,6 +263,12 @@ def version(index: int, unit: VersionUnit) -> str:
 def pptable_version(index: int) -> str:
     return n.read_text("dkSmlGetPptableVersion", index)
 
+
+# The later families live in their own modules; dksml.api offers them all.
+from .api_compat import *  # noqa: E402,F401,F403
+from .api_platform import *  # noqa: E402,F401,F403
+from .api_processes import *  # noqa: E402,F401,F403
+from .api_units import *  # noqa: E402,F401,F403
 
 __all__ = [name for name in dir() if not name.startswith("_") and name not in ("annotations", "ctypes", "n", "r",
                                                                               "Optional", "error_for")]

@@ -5,10 +5,11 @@ from __future__ import annotations
 
 from typing import Any, Callable, Iterator, Optional, TypeVar
 
+from . import _snapshot as blocks
 from . import api
 from .enums import DIE_ALL, Brand, PmbusUnit, TemperatureSensor, VirtualizationMode
 from .errors import DkSmlError
-from .records import Clocks, DeviceInfo, Fan, Memory, PcieLink, Pmbus, Temperatures
+from .records import Clocks, DeviceInfo, Fan, Memory, PcieLink, Pmbus, Process, SliceInfo, Temperatures, Versions
 
 T = TypeVar("T")
 
@@ -119,8 +120,8 @@ class Device:
         return readings
 
     @property
-    def board_power_limit_w(self) -> int:
-        return api.board_power_limit_w(self.index)
+    def board_power_limit_mw(self) -> int:
+        return api.board_power_limit_mw(self.index)
 
     @property
     def memory(self) -> Memory:
@@ -129,6 +130,26 @@ class Device:
     @property
     def pcie(self) -> PcieLink:
         return api.pcie_link(self.index)
+
+    @property
+    def processes(self) -> list[Process]:
+        """Processes holding memory on this device (slice-mode parents included)."""
+        return api.device_processes(self.index)
+
+    @property
+    def slice_mode(self) -> bool:
+        return api.slice_mode(self.index)
+
+    @property
+    def slices(self) -> list[SliceInfo]:
+        """The slices of a device in slice mode; [] otherwise."""
+        if not _or_none(lambda: self.slice_mode):
+            return []
+        return [api.slice_info(self.index, slice_id) for slice_id in api.slice_ids(self.index)]
+
+    @property
+    def versions(self) -> Versions:
+        return api.die_versions(self.index, 0)
 
     def snapshot(self) -> dict[str, Any]:
         """Everything dksmi shows for this device, as `dksmi --json` prints its device object."""
@@ -183,6 +204,11 @@ DIE_FIELDS: list[tuple[str, Callable[[Device, int], Any]]] = [
     ("hottest_sensor_index", _hottest_sensor),
     ("sensor_table_c", lambda d, die: _or_none(lambda: api.die_sensor_table_c(d.index, die))),
     ("voltage_monitor_raw", lambda d, die: _or_none(lambda: api.die_voltage_monitor_raw(d.index, die))),
+    ("performance_levels", lambda d, die: blocks.performance_levels(d.index, die)),
+    ("pmbus", lambda d, die: blocks.pmbus(d.index, die)),
+    ("engine_usage_pct", lambda d, die: blocks.engines(lambda ip: api.usage_percent(d.index, ip, die))),
+    ("ap_usage_pct", lambda d, die: blocks.ap_usage(d.index, die)),
+    ("memory_kib", lambda d, die: blocks.memory(lambda: api.memory(d.index, die))),
 ]
 
 # One row per key of a device object of `dksmi --json`, in its order. Add a family here.
@@ -200,6 +226,20 @@ DEVICE_FIELDS: list[tuple[str, Callable[[Device], Any]]] = [
     ("fan_rpm", _fan_field("speed_rpm")),
     ("fan_duty", _fan_field("duty_pwm")),
     ("throttle_reasons_mask", lambda d: _or_none(lambda: d.throttle_reasons)),
+    ("versions", lambda d: blocks.versions(d.index)),
+    ("process_count", lambda d: blocks.process_count(d.index)),
+    ("slice_mode", lambda d: blocks.slice_mode(d.index)),
+    ("slices", lambda d: blocks.slices(d.index)),
+    ("pcie", lambda d: blocks.pcie(d.index)),
+    ("interconnect", lambda d: blocks.interconnect(d.index)),
+    ("board_power_w", lambda d: blocks.board_power_w(d.index)),
+    ("board_power_ways", lambda d: blocks.board_power_ways(d.index)),
+    ("power_limit_mw", lambda d: _or_none(lambda: api.board_power_limit_mw(d.index))),
+    # "power_mode" is left out: no native export answers the power mode (dksmi
+    # reads it through the library's power service, which Python cannot reach).
+    ("pci_power_state", lambda d: blocks.pci_power_state(d.index)),
+    ("engine_usage_pct", lambda d: blocks.engines(lambda ip: api.usage_percent(d.index, ip))),
+    ("memory_kib", lambda d: blocks.memory(lambda: api.memory(d.index))),
     ("dies", _die_list),
 ]
 

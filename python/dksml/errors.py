@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from .enums import Return
+from .enums import ExReturn, Return
 
 
 class DkSmlError(Exception):
@@ -36,3 +36,14 @@ _CLASS_BY_CODE: dict[int, type[DkSmlError]] = {
 
 def error_for(code: int, text: str, function: str = "") -> DkSmlError:
     return _CLASS_BY_CODE.get(code, DkSmlError)(code, text, function)
+
+
+# The compatibility family has its own status numbers; only "not supported" shares a class.
+_EX_CLASS_BY_CODE: dict[int, type[DkSmlError]] = {
+    ExReturn.ERROR_NOT_SUPPORTED: NotSupported,
+}
+
+
+def ex_error_for(code: int, text: str, function: str = "") -> DkSmlError:
+    """The exception for a dkSmlEx* status (``code`` is the DkSmlExReturn value)."""
+    return _EX_CLASS_BY_CODE.get(code, DkSmlError)(code, text, function)

@@ -26,14 +26,14 @@ DKVHOST = os.environ.get("DKVHOST", "dkvhost")
 
 
 
-def project(expected: Any, got: Any) -> Any:
-    """`expected` cut down to the keys `got` has: the module does not yet
-    cover every family dksmi shows, and what it covers must match exactly."""
-    if isinstance(expected, dict) and isinstance(got, dict):
-        return {k: project(expected[k], got[k]) for k in got if k in expected}
-    if isinstance(expected, list) and isinstance(got, list) and len(expected) == len(got):
-        return [project(e, g) for e, g in zip(expected, got)]
-    return expected
+# No native export answers the power mode (dksmi reads it through the
+# library's power service): the one key of dksmi's device object the module
+# cannot give.
+NO_EXPORT_KEYS = ("power_mode",)
+
+
+def without_unexported(devices: list[dict[str, Any]]) -> list[dict[str, Any]]:
+    return [{k: v for k, v in d.items() if k not in NO_EXPORT_KEYS} for d in devices]
 
 
 class VirtualHost:
@@ -73,7 +73,8 @@ class ServerHostTest(unittest.TestCase):
         self.assertEqual(self.host.status, dksml.Return.SUCCESS)
         expected = self.host.dksmi_json()
         got = [d.snapshot() for d in dksml.devices()]
-        self.assertEqual(got, project(expected["devices"], got))
+        self.assertEqual(got, without_unexported(expected["devices"]))
+        self.assertEqual([list(d) for d in got], [list(d) for d in without_unexported(expected["devices"])])
         limited = []
         for d in dksml.limited_devices():
             reason = api.unavailable_reason(d.index)
@@ -142,7 +143,7 @@ class OtherHostsTest(unittest.TestCase):
         host = VirtualHost("guest")
         try:
             got = [d.snapshot() for d in dksml.devices()]
-            self.assertEqual(got, project(host.dksmi_json()["devices"], got))
+            self.assertEqual(got, without_unexported(host.dksmi_json()["devices"]))
         finally:
             host.close()
 

@@ -6,6 +6,9 @@
 
 #include <array>
 #include <cstdio>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -84,6 +87,61 @@ TEST_F(DksmiSet, RefusesWithoutRoot) {
     EXPECT_EQ(WEXITSTATUS(status), 7) << out;
     EXPECT_NE(out.find("permission denied"), std::string::npos) << out;
     EXPECT_NE(out.find("code 8"), std::string::npos) << out;
+}
+
+// The "slices" host: device 0 native (0000:1b:00.0), device 1 in slice mode
+// with slices 0, 1 and 3. Rows run in order on one host; each names the files
+// the driver would have been given and their exact text. A static tree makes
+// no slice directory when "create" is written, so create ends in its undo.
+TEST_F(DksmiSet, SliceOperationsWriteTheDriverFilesAsRoot) {
+    if (geteuid() != 0) GTEST_SKIP() << "needs root";
+    ScopedHost host("slices"sv);
+    const std::string plain = "/sys/devices/pci0000:17/0000:17:01.0/0000:1b:00.0/";
+    const std::string sgpu = "/sys/devices/pci0000:17/0000:17:02.0/0000:3b:00.0/sgpu/";
+    struct Case {
+        const char* arguments;
+        int exitCode;
+        const char* message;  // on standard output when the exit code is 0, else on standard error
+        std::vector<std::pair<std::string, std::string>> files;
+    };
+    const Case cases[] = {
+        {"set -i 0 --remove-slice 0", 7, "not in slice mode (turn it on first)", {}},
+        {"set -i 1 --slice-alias 1=batch", 0, "slice 1 alias: \"\" -> \"batch\"", {{sgpu + "sgpu1/alias", "batch"}}},
+        {"set -i 1 --slice-alias 0=x", 0, "slice 0 alias: \"tenant-a\" -> \"x\"", {{sgpu + "sgpu0/alias", "x"}}},
+        {"set -i 1 --create-slice --vram-quota 8192 --compute-quota 20", 7, "the driver did not accept",
+         {{sgpu + "create", "8192\n"}, {sgpu + "remove", "2\n"}}},
+        {"set -i 1 --create-slice --vram-quota 8192", 2, "quota above 0", {}},
+        {"set -i 1 --remove-slice 3", 0, "Device 1 (0000:3b:00.0): removed slice 3", {{sgpu + "remove", "3\n"}}},
+        {"set -i 0 --slice-mode on", 0, "slice mode: off -> on", {{plain + "model", "sgpu\n"}}},
+        // Mode first, then the removal, which slice mode off refuses.
+        {"set -i 1 --slice-mode off --remove-slice 1", 7, "not in slice mode",
+         {{sgpu + "../model", "native\n"}, {sgpu + "remove", "3\n"}}},
+        {"set -i 1 --slice-alias one=x", 2, "expects ID=TEXT", {}},
+        {"set -i 1 --slice-mode maybe", 2, "maybe", {}},
+        {"set -i 1 --vram-quota 5", 2, "--create-slice", {}},
+    };
+    for (const Case& c : cases) {
+        const RunResult run = RunDksmi(c.arguments);
+        EXPECT_EQ(run.exitCode, c.exitCode) << c.arguments << "\n" << run.out << run.err;
+        EXPECT_NE((c.exitCode == 0 ? run.out : run.err).find(c.message), std::string::npos)
+            << c.arguments << "\n" << run.out << run.err;
+        for (const auto& [file, text] : c.files) EXPECT_EQ(host.ReadFile(file), text) << c.arguments << " " << file;
+    }
+}
+
+TEST_F(DksmiSet, SliceOperationsRefuseWithoutRoot) {
+    ScopedHost host("slices"sv);
+    const std::string prefix = geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
+    const std::string command = prefix + "'" + DksmiBinary().string() + "' set -i 1 --remove-slice 0 2>&1";
+    FILE* pipe = popen(command.c_str(), "r");
+    ASSERT_NE(pipe, nullptr);
+    std::array<char, 512> buffer{};
+    const std::string out(buffer.data(), fread(buffer.data(), 1, buffer.size(), pipe));
+    const int status = pclose(pipe);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 7) << out;
+    EXPECT_NE(out.find("code 8"), std::string::npos) << out;
+    EXPECT_EQ(host.ReadFile("/sys/devices/pci0000:17/0000:17:02.0/0000:3b:00.0/sgpu/remove"), "");
 }
 
 TEST_F(DksmiSet, DetailShowsVersionsAndLevels) {

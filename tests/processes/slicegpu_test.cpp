@@ -1,15 +1,9 @@
 // Slice GPUs end to end through the exported functions on the "slices" host
 // (device 1 in slice mode with slices 0, 1 and 3; device 0 native). A static
 // tree cannot create directories when "create" is written: the tests check
-// the exact text written, and SliceDriver plays the driver's part.
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <filesystem>
+// the exact text written, and SliceDriver plays the driver's part through the
+// service's hook (the attribute files stay regular files).
 #include <string>
-#include <thread>
 
 #include "features/slicegpu/dk_slicegpu_files.h"
 #include "process_host.h"
@@ -17,64 +11,31 @@
 namespace dksml::test {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr const char* c_sgpuDir = "/sys/devices/pci0000:17/0000:17:02.0/0000:3b:00.0/sgpu";
 
 std::string SgpuFile(const std::string& name) { return std::string(c_sgpuDir) + "/" + name; }
 
-// Makes "create" a FIFO whose reader creates the new slice directory while the
-// library's write is still blocked in it: the library lists the directory,
-// opens "create" and writes; only then does the slice appear, as with the driver.
-class SliceDriver {
+// The slice service with the driver's part played: once the library has
+// written "create" (a regular file, as every attribute), the slice directory
+// appears and one slice fewer is available, as the driver does it. Records what "create" held at that moment.
+class SliceDriver : public DkSliceGpu {
 public:
-    SliceDriver(const vhost::ScopedHost& host, uint32_t newId) : m_host(host) {
-        const fs::path fifo = host.Path(SgpuFile("create"));
-        fs::remove(fifo);
-        EXPECT_EQ(mkfifo(fifo.c_str(), 0600), 0);
-        m_reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
-        m_filler = open(fifo.c_str(), O_WRONLY | O_NONBLOCK);
-        const char block[4096] = {};
-        while (write(m_filler, block, sizeof block) > 0) {}  // pipe full: the library's write blocks
-        close(m_filler);
-        m_thread = std::thread([this, fifo, newId] { Serve(fifo, newId); });
-    }
-    ~SliceDriver() { m_thread.join(); }
+    explicit SliceDriver(const vhost::ScopedHost& host) : m_host(host) {}
     const std::string& Written() const { return m_written; }
 
-private:
-    // Waits until another descriptor of this process names the FIFO (the library opened it).
-    bool LibraryOpened(const fs::path& fifo) {
-        for (const auto& fd : fs::directory_iterator("/proc/self/fd")) {
-            std::error_code ec;
-            const fs::path target = fs::read_symlink(fd.path(), ec);
-            if (!ec && target == fifo && std::stoi(fd.path().filename()) != m_reader) return true;
-        }
-        return false;
-    }
-    void Serve(const fs::path& fifo, uint32_t newId) {
-        while (!LibraryOpened(fifo)) std::this_thread::yield();
-        const std::string dir = std::string(c_sgpuDir) + "/sgpu" + std::to_string(newId) + "/";
+protected:
+    void AfterCreateWritten(IDkDevice* /*device*/, uint32_t sgpuId) override {
+        m_written = m_host.ReadFile(SgpuFile("create"));
+        const std::string dir = std::string(c_sgpuDir) + "/sgpu" + std::to_string(sgpuId) + "/";
         m_host.WriteFile(dir + "sched_quota", "0\n");
-        m_host.WriteFile(dir + "gpu_id", "61002\n");
-        std::string all;
-        char buffer[4096];
-        for (;;) {
-            const ssize_t n = read(m_reader, buffer, sizeof buffer);
-            if (n > 0) all.append(buffer, static_cast<size_t>(n));
-            else if (n == 0) break;
-            else if (errno == EAGAIN) std::this_thread::yield();
-            else break;
-        }
-        close(m_reader);
-        m_written = all.substr(all.find_first_not_of('\0') == std::string::npos ? all.size()
-                                                                                : all.find_first_not_of('\0'));
+        m_host.WriteFile(dir + "gpu_id", std::to_string(61000 + sgpuId) + "\n");
+        const unsigned long available = std::stoul(m_host.ReadFile(SgpuFile("available_devcnt")));
+        m_host.WriteFile(SgpuFile("available_devcnt"), std::to_string(available - 1) + "\n");
     }
+
+private:
     const vhost::ScopedHost& m_host;
-    int m_reader = -1;
-    int m_filler = -1;
     std::string m_written;
-    std::thread m_thread;
 };
 
 TEST_F(SlicesHost, ModeReadsPerDeviceAndNativeRefusesSliceOperations) {
@@ -190,19 +151,19 @@ TEST_F(SlicesHost, CreateUndoesASliceWhoseQuotaCannotBeSet) {
     EXPECT_EQ(host->ReadFile(SgpuFile("remove")), "2\n");  // the lowest free id, undone
 }
 
-// Disabled: the library now refuses anything but a regular file in place of
-// an attribute, so the FIFO stand-in for the driver never sees the write and
-// the test would wait forever. The create path is covered by the undo and
-// text tests above until the stand-in plays the driver another way.
-TEST_F(SlicesHost, DISABLED_CreateTakesTheLowestFreeIdAndSetsItsComputeQuota) {
+TEST_F(SlicesHost, CreateTakesTheLowestFreeIdAndSetsItsComputeQuota) {
+    SliceDriver driver(*host);
+    IDkDevice* device = DkSystemManager::GetInstance().GetDeviceById(c_sliceDevice).get();
     uint32_t id = 99;
-    {
-        SliceDriver driver(*host, 2);
-        ASSERT_EQ(dkSmlCreateSgpu(c_sliceDevice, 8192, 20, &id), DK_SML_SUCCESS);
-    }
+    ASSERT_EQ(driver.CreateSgpu(device, 8192, 20, &id), DK_SML_SUCCESS);
     EXPECT_EQ(id, 2u);
+    EXPECT_EQ(driver.Written(), "8192\n");
     EXPECT_EQ(host->ReadFile(SgpuFile("sgpu2/sched_quota")), "20\n");
     EXPECT_EQ(host->ReadFile(SgpuFile("remove")), "");
+    // The new slice is found by the exports like any other.
+    EXPECT_EQ(dkSmlGetSgpuCount(c_sliceDevice), 4u);
+    ASSERT_EQ(driver.CreateSgpu(device, 4096, 5, &id), DK_SML_SUCCESS);
+    EXPECT_EQ(id, 4u);
 }
 
 TEST_F(SlicesHost, SchedulingLatencyReadsOneValuePerPeriod) {

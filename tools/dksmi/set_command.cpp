@@ -1,6 +1,7 @@
 #include "set_command.h"
 
 #include "set_pcie.h"
+#include "slice_set.h"
 
 #include <unistd.h>
 
@@ -113,7 +114,8 @@ int RunSet(int argc, char** argv) {
     for (const char* name : kDomainNames) domains += domains.empty() ? name : std::string(", ") + name;
     app.footer("DOMAIN is one of: " + domains +
                ".\nPrints every change as \"old -> new\". Exit codes as dksmi, and 7 when not run as root\n"
-               "or when the device refuses a setting.");
+               "or when the device refuses a setting. Slice operations run in the order mode, create,\n"
+               "alias, remove, and stop at the first refusal.");
     uint32_t index = 0;
     app.add_option("-i,--index", index, "Device index")->required();
     std::vector<std::vector<std::string>> values(std::size(kSetRows));
@@ -121,6 +123,8 @@ int RunSet(int argc, char** argv) {
         app.add_option(kSetRows[r].option, values[r], kSetRows[r].help)->type_name(kSetRows[r].typeName);
     PcieSettings pcie;
     AddPcieSetOptions(app, pcie);
+    SliceSettings slices;
+    AddSliceSetOptions(app, slices);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -140,8 +144,13 @@ int RunSet(int argc, char** argv) {
             requests.emplace_back(&kSetRows[r], *parsed);
         }
     }
+    const SliceRequests sliceRequests = ToSliceRequests(slices, index);
+    if (!sliceRequests.usageError.empty()) {
+        fmt::print(stderr, "dksmi set: {}\n", sliceRequests.usageError);
+        return kExitUsage;
+    }
     const bool pcieRequested = pcie.delay || pcie.generation;
-    if (requests.empty() && !pcieRequested) {
+    if (requests.empty() && !pcieRequested && sliceRequests.requests.empty()) {
         fmt::print(stderr, "dksmi set: nothing to set; see dksmi set --help\n");
         return kExitUsage;
     }
@@ -171,6 +180,15 @@ int RunSet(int argc, char** argv) {
     if (pcieRequested) {
         const int pcieExit = ApplyPcieSettings(index, pcie);
         if (pcieExit != kExitOk) exitCode = pcieExit;
+    }
+    // Slice operations build on each other (mode, then create, ...): stop at the first refusal.
+    for (const SliceSetRequest& request : sliceRequests.requests) {
+        const Outcome outcome = RunSliceSet(request, geteuid());
+        if (outcome.exitCode != kExitOk) {
+            fmt::print(stderr, "dksmi set: device {}: {}\n", index, outcome.message);
+            return outcome.exitCode;
+        }
+        fmt::print("Device {} ({}): {}\n", index, info.bdfId, outcome.message);
     }
     return exitCode;
 }
