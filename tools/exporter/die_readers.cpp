@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "core/dk_service_manager.h"
+#include "api/dk_service_manager.h"
 #include "core/dk_system_manager.h"
 #include "features/voltage/dk_voltage.h"
 
