@@ -17,7 +17,8 @@ inline DkSmlReturn FetchDpmText(IDkDevice& device, unsigned int dieId, dravik_sm
 }
 
 // Every level value of one domain from a "name: v0 v1 ..." row.
-// 9 for an unknown domain, 3 when the driver lists no row for it.
+// DK_SML_ERROR_INVALID_INPUT for an unknown domain, DK_SML_ERROR_NOT_SUPPORTED
+// when the driver lists no row for it.
 inline DkSmlReturn ReadDomainRow(IDkDevice& device, unsigned int dieId, dravik_smi_opcode op, std::string_view label,
                                  DkSmlDpmPerfLevel& levels) {
     levels = DkSmlDpmPerfLevel{};

@@ -45,7 +45,8 @@ public:
     uint32_t GetExpectedSgpuId(IDkDevice* device);
 
 private:
-    // 0 in slice mode, 3 in native mode, the read failure otherwise.
+    // DK_SML_SUCCESS in slice mode, DK_SML_ERROR_NOT_SUPPORTED in native mode,
+    // the read failure otherwise.
     DkSmlReturn CheckSgpuMode(IDkDevice* device);
     DkSmlReturn WriteChecked(IDkDevice* device, const std::string& path, uint32_t value);
 };
