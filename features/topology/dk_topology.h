@@ -59,7 +59,8 @@ public:
     // The far end of the device's `link`-th interconnect record (types 4 and 5,
     // in the driver's order).
     virtual DkSmlReturn GetDravikLinkRemoteInfo(uint32_t device, uint32_t link, DkSmlDravikLinkRemoteInfo* info);
-    // The driver publishes no unique ids of link peers yet: both answer 3.
+    // The driver publishes no unique ids of link peers yet: both answer
+    // DK_SML_ERROR_NOT_SUPPORTED.
     virtual DkSmlReturn GetLocalAndRemoteUuid(uint32_t device, DkSmlUuidPair* pair);
     virtual DkSmlReturn GetLocalAndMultipleRemoteUuid(uint32_t device, uint32_t* count, DkSmlUuidPair* pairs);
 
