@@ -37,6 +37,7 @@ DkPassBuilders& PassBuilders() {
 }  // namespace
 
 void SetPassBuilders(const DkPassBuilders& builders) { PassBuilders() = builders; }
+const DkPassBuilders& GetPassBuilders() { return PassBuilders(); }
 
 thread_local const DkSystemManager::State* DkSystemManager::t_heldState = nullptr;
 
@@ -135,11 +136,10 @@ DkSmlReturn DkSystemManager::InitializeForLinux(const std::string& searchPath,
     GetRenderIdAndCardId();
     ConstructBoardIdMap();
     m_state->sysUtils = sysUtils ? std::move(sysUtils) : std::make_unique<DkSysUtils>();
-    const DkPassBuilders& builders = PassBuilders();
-    if (builders.topology != nullptr) {
-        m_state->topology = builders.topology(m_state->sysUtils.get(), {m_state->gpuNodeMap, m_state->availableDeviceCount,
-                                                                        m_state->niNodeList, m_state->devices});
-    }
+    const DkPassBuilders& builders = GetPassBuilders();
+    m_state->topology = std::make_shared<const DkTopologySlot>(m_state->sysUtils, m_state->gpuNodeMap,
+                                                               m_state->availableDeviceCount, m_state->niNodeList,
+                                                               m_state->devices);
     // The process-accounting object is built from this pass's devices, before
     // the state is published.
     if (builders.processManagement != nullptr) {
@@ -194,7 +194,8 @@ DkSysUtils* DkSystemManager::GetSysUtils() const { return ReadState().sysUtils.g
 
 std::shared_ptr<DkTopology> DkSystemManager::GetTopology() const {
     Hold hold;
-    return ReadState().topology;
+    const std::shared_ptr<const DkTopologySlot>& slot = ReadState().topology;
+    return slot ? slot->Get() : nullptr;
 }
 
 std::shared_ptr<IDkProcessManagement> DkSystemManager::GetProcessManagement() const {
