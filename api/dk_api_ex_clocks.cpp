@@ -33,7 +33,7 @@ const DkExClockSource* FindClockSource(DkSmlExClockType type) {
 }
 
 // The die's clocks are read before the type is looked at, so a failing read
-// answers 999 even for a type that would not be served.
+// answers DK_SML_EX_ERROR_UNKNOWN even for a type that would not be served.
 DkSmlExReturn CurrentClock(const DkDieInfo& die, IDkDevice* device, DkSmlExClockType type, uint32_t* clockMHz) {
     if (!PassesTelemetryGate(*device)) return DK_SML_EX_ERROR_NOT_SUPPORTED;
     return WithExService(&DkServiceManager::GetDkClock, [&](DkClock& clock) {
@@ -81,7 +81,8 @@ DkSmlExReturn ApplicationsClock(const DkDieInfo& die, IDkDevice* device, DkSmlEx
 }
 
 // Copies the levels by the count rule: the count always becomes the number
-// of levels, 7 when the caller's capacity was smaller.
+// of levels, DK_SML_EX_ERROR_INSUFFICIENT_SIZE when the caller's capacity
+// was smaller.
 DkSmlExReturn CopyLevels(const DkSmlDpmPerfLevel& levels, uint32_t* count, uint32_t* clocksMHz) {
     const uint32_t capacity = *count;
     *count = levels.count;
@@ -90,7 +91,8 @@ DkSmlExReturn CopyLevels(const DkSmlDpmPerfLevel& levels, uint32_t* count, uint3
     return DK_SML_EX_SUCCESS;
 }
 
-// A non-zero memory clock must be one of the memory levels (6).
+// A non-zero memory clock must be one of the memory levels
+// (DK_SML_EX_ERROR_NOT_FOUND otherwise).
 DkSmlExReturn CheckMemoryClock(const DkDieInfo& die, IDkDevice* device, uint32_t memoryClockMHz) {
     if (memoryClockMHz == 0) return DK_SML_EX_SUCCESS;
     DkSmlDpmPerfLevel memory;

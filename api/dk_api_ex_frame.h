@@ -1,15 +1,15 @@
 // The frame of the compatibility family. A handle is not an address: it
 // carries the discovery pass number and the key of one of the system
 // manager's die records, so a forged handle or one from a replaced pass
-// answers 2 without anything being dereferenced, and can never name another
-// device. Native failures are not passed on: any non-zero native status
-// becomes 999.
+// answers DK_SML_EX_ERROR_INVALID_ARGUMENT without anything being
+// dereferenced, and can never name another device. Native failures are not
+// passed on: any non-zero native status becomes DK_SML_EX_ERROR_UNKNOWN.
 #pragma once
 
 #include <cstdint>
 #include <memory>
 
-#include "core/dk_service_manager.h"
+#include "api/dk_service_manager.h"
 #include "core/dk_system_manager.h"
 #include "dksml.h"
 
@@ -24,12 +24,13 @@ inline DkSmlExReturn ExFromNative(DkSmlReturn code) {
 }
 
 // For queries where "not offered by this device" means something to the
-// caller, 3 is kept; every other failure is still 999.
+// caller, it stays DK_SML_EX_ERROR_NOT_SUPPORTED; every other failure is
+// still DK_SML_EX_ERROR_UNKNOWN.
 inline DkSmlExReturn ExFromNativeKeepNotSupported(DkSmlReturn code) {
     return code == DK_SML_ERROR_NOT_SUPPORTED ? DK_SML_EX_ERROR_NOT_SUPPORTED : ExFromNative(code);
 }
 
-// Runs `body()` and turns any escaping exception into 999.
+// Runs `body()` and turns any escaping exception into DK_SML_EX_ERROR_UNKNOWN.
 template <typename Body>
 inline DkSmlExReturn ExGuard(Body&& body) noexcept {
     try {
@@ -40,7 +41,7 @@ inline DkSmlExReturn ExGuard(Body&& body) noexcept {
 }
 
 // Runs `body(DkDieInfo&, IDkDevice*)` for a handle of the current discovery
-// state, held for the whole call; 2 otherwise. The body gets its own copy of
+// state, held for the whole call; DK_SML_EX_ERROR_INVALID_ARGUMENT otherwise. The body gets its own copy of
 // the record.
 template <typename Body>
 inline DkSmlExReturn WithHandle(DkSmlExDevice handle, Body&& body) noexcept {
@@ -53,8 +54,8 @@ inline DkSmlExReturn WithHandle(DkSmlExDevice handle, Body&& body) noexcept {
     });
 }
 
-// A registry service for a compatibility call; 999 when the registry has not
-// been initialised.
+// A registry service for a compatibility call; DK_SML_EX_ERROR_UNKNOWN when
+// the registry has not been initialised.
 template <typename Getter, typename Body>
 inline DkSmlExReturn WithExService(Getter getter, Body&& body) {
     auto service = (DkServiceManager::GetInstance().*getter)();

@@ -8,7 +8,8 @@ using namespace dksml;
 
 namespace {
 
-// Die 0 of the device with this index, as a handle; 2 when there is none.
+// Die 0 of the device with this index, as a handle;
+// DK_SML_EX_ERROR_INVALID_ARGUMENT when there is none.
 DkSmlExReturn HandleOfDevice(uint32_t deviceIndex, DkSmlExDevice* device) {
     const DkDieInfo* die = DkSystemManager::GetInstance().GetDieBySmlId(deviceIndex);
     if (die == nullptr) return DK_SML_EX_ERROR_INVALID_ARGUMENT;

@@ -37,7 +37,8 @@ uint64_t KibToBytes(uint64_t kib) { return kib > (UINT64_MAX >> 10) ? UINT64_MAX
 extern "C" {
 
 // The board draw is the sum of the die's PMBus rails; a rail the board does
-// not carry is skipped, and a die without any rail answers 3.
+// not carry is skipped, and a die without any rail answers
+// DK_SML_EX_ERROR_NOT_SUPPORTED.
 DKSML_API DkSmlExReturn dkSmlExGetPowerUsage(DkSmlExDevice device, uint32_t* power) {
     if (power == nullptr) return DK_SML_EX_ERROR_INVALID_ARGUMENT;
     return WithHandle(device, [&](DkDieInfo& die, IDkDevice* d) {

@@ -74,7 +74,8 @@ DKSML_API DkSmlExReturn dkSmlExSystemGetVornDriverVersion(uint32_t* version) {
 }
 
 // Processes holding memory on the handle's die. The count always becomes the
-// number found; 7 when the caller's capacity was smaller.
+// number found; DK_SML_EX_ERROR_INSUFFICIENT_SIZE when the caller's capacity
+// was smaller.
 DKSML_API DkSmlExReturn dkSmlExDeviceGetComputeRunningProcesses(DkSmlExDevice device, uint32_t* infoCount,
                                                                 DkSmlExProcessInfo* infos) {
     if (infoCount == nullptr || (infos == nullptr && *infoCount != 0)) return DK_SML_EX_ERROR_INVALID_ARGUMENT;

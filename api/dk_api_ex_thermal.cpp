@@ -1,5 +1,6 @@
 // Compatibility temperature and fan queries. Only the training lines carry
-// these sensors, and never through a virtual function: others answer 3.
+// these sensors, and never through a virtual function: others answer
+// DK_SML_EX_ERROR_NOT_SUPPORTED.
 #include "api/dk_api_ex_frame.h"
 #include "dksml.h"
 #include "features/fan/dk_fan.h"

@@ -1,5 +1,6 @@
 // The call frame shared by the native exports: output pointers are checked
-// first (9), then the device index (6), then one service call whose status is
+// first (DK_SML_ERROR_INVALID_INPUT), then the device index
+// (DK_SML_ERROR_DEVICE_NOT_AVAILABLE), then one service call whose status is
 // returned unchanged. Exceptions never cross the C boundary.
 #pragma once
 
@@ -7,7 +8,7 @@
 #include <memory>
 #include <utility>
 
-#include "core/dk_service_manager.h"
+#include "api/dk_service_manager.h"
 #include "core/dk_system_manager.h"
 #include "dksml.h"
 
@@ -18,7 +19,8 @@ inline bool AnyNull(const P*... pointers) {
     return ((pointers == nullptr) || ...);
 }
 
-// Runs `body(IDkDevice*)` for a known device index; 6 otherwise. Any escaping
+// Runs `body(IDkDevice*)` for a known device index;
+// DK_SML_ERROR_DEVICE_NOT_AVAILABLE otherwise. Any escaping
 // exception becomes 1: nothing may unwind into a C caller. The discovery
 // state is held for the whole call, so a rediscovery meanwhile frees nothing
 // the body uses, and every lookup the body makes answers from the same state.
@@ -36,7 +38,8 @@ inline DkSmlReturn WithDevice(uint32_t deviceIndex, Body&& body) noexcept {
     }
 }
 
-// As WithDevice, and checks a die id against the device's die count (7).
+// As WithDevice, and checks a die id against the device's die count
+// (DK_SML_ERROR_INVALID_DIE_ID).
 template <typename Body>
 inline DkSmlReturn WithDeviceDie(uint32_t deviceIndex, uint32_t dieId, Body&& body) noexcept {
     return WithDevice(deviceIndex, [&](IDkDevice* device) {

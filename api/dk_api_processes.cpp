@@ -1,5 +1,6 @@
 // Process exports: scans of the process-accounting object that discovery
-// creates. Until it exists the scans are not available (3).
+// creates. Until it exists the scans are not available
+// (DK_SML_ERROR_NOT_SUPPORTED).
 #include <memory>
 #include <vector>
 

@@ -1,6 +1,8 @@
-// One-line form of the native frame for the common case: device lookup (6),
-// optional die check (7), then one operation of one registry service whose
-// status is returned unchanged. Pointer checks (9) stay with the caller
+// One-line form of the native frame for the common case: device lookup
+// (DK_SML_ERROR_DEVICE_NOT_AVAILABLE), optional die check
+// (DK_SML_ERROR_INVALID_DIE_ID), then one operation of one registry service
+// whose status is returned unchanged. Pointer checks (DK_SML_ERROR_INVALID_INPUT)
+// stay with the caller
 // because only the export knows which of its pointers are outputs.
 #pragma once
 
@@ -40,7 +42,8 @@ inline DkSmlReturn WithManager(Body&& body) noexcept {
 }
 
 // Topology answers exist only after a successful discovery built the
-// topology object; before that every index is unknown (6).
+// topology object; before that every index is unknown
+// (DK_SML_ERROR_DEVICE_NOT_AVAILABLE).
 template <typename Body>
 inline DkSmlReturn WithTopology(Body&& body) noexcept {
     return WithManager([&](DkSystemManager& manager) {

@@ -1,6 +1,6 @@
 // Native exports of the clock, throttle, temperature and fan readings. Where a
 // die id is taken, DK_SML_DIE_ALL selects the device form; any other id must
-// name one of the device's dies (7).
+// name one of the device's dies (DK_SML_ERROR_INVALID_DIE_ID otherwise).
 #include "api/dk_api_service_call.h"
 #include "dksml.h"
 #include "features/clock/dk_clock.h"

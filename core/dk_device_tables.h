@@ -25,7 +25,7 @@ enum class DkModel : uint32_t {
     DkMcm,
 };
 
-// True when the ISA version is one of the x-series versions (brand 4).
+// True when the ISA version is one of the x-series versions (DK_SML_BRAND_DKK_X).
 bool IsXSeriesIsaVersion(const DkSmlIsaVersion& isa);
 
 // Brand of an instruction-set version, or nothing when the version is not listed.

@@ -63,20 +63,6 @@ std::shared_ptr<const DkHostRoot>& CurrentRootStorage() {
 
 }  // namespace
 
-DkDirFd& DkDirFd::operator=(DkDirFd&& other) noexcept {
-    if (this != &other) {
-        if (m_fd >= 0) ::close(m_fd);
-        m_fd = other.m_fd;
-        m_errno = other.m_errno;
-        other.m_fd = -1;
-    }
-    return *this;
-}
-
-DkDirFd::~DkDirFd() {
-    if (m_fd >= 0) ::close(m_fd);
-}
-
 std::shared_ptr<const DkHostRoot> DkHostRoot::FromEnvironment() {
     const char* value = secure_getenv(c_rootEnvName);
     return At(value != nullptr ? value : "");

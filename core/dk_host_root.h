@@ -17,28 +17,9 @@
 #include <string>
 #include <string_view>
 
+#include "driver/dk_dir_fd.h"
+
 namespace dksml {
-
-// An owned directory descriptor (O_PATH) and the errno of a failed open, so a
-// reader can tell "absent" from "unopenable" without asking the filesystem again.
-class DkDirFd {
-public:
-    DkDirFd() = default;
-    DkDirFd(int fd, int openErrno) : m_fd(fd), m_errno(openErrno) {}
-    DkDirFd(DkDirFd&& other) noexcept : m_fd(other.m_fd), m_errno(other.m_errno) { other.m_fd = -1; }
-    DkDirFd& operator=(DkDirFd&& other) noexcept;
-    DkDirFd(const DkDirFd&) = delete;
-    DkDirFd& operator=(const DkDirFd&) = delete;
-    ~DkDirFd();
-
-    int Get() const { return m_fd; }
-    bool IsOpen() const { return m_fd >= 0; }
-    int OpenErrno() const { return m_errno; }  // ENOENT when never opened
-
-private:
-    int m_fd = -1;
-    int m_errno = ENOENT;
-};
 
 // One host root: its descriptor and its text. Immutable once made.
 class DkHostRoot {
@@ -84,13 +65,11 @@ private:
     mutable std::string m_chipName;
 };
 
-// Descriptors a device reads through: its root and its own directories.
-struct DkDeviceDirs {
+// Descriptors a device reads through: its root, its own directory and the
+// directories its driver requests use (the part the driver handler is given).
+struct DkDeviceDirs : DkDriverDirs {
     std::shared_ptr<const DkHostRoot> root;
     DkDirFd device;  // the PCI function's directory
-    DkDirFd smi0;    // "smi/"  (die 0)
-    DkDirFd smi1;    // "smi1/" (any other die)
-    DkDirFd node;    // the layout node's directory (not open without one)
 };
 
 // Re-reads DK_SMI_FSROOT and opens the new root; called at every

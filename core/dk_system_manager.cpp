@@ -9,9 +9,6 @@
 #include "core/dk_host_root.h"
 #include "core/dk_system_manager_state.h"
 #include "driver/dk_text.h"
-#include "features/process/dk_process_threshold.h"
-#include "features/process/idk_process_management.h"
-#include "features/topology/dk_topology.h"
 
 namespace dksml {
 
@@ -31,7 +28,16 @@ std::string FirstExisting(const char* const (&candidates)[2]) {
     return CheckIfFileExist(HostPath(candidates[0])) ? candidates[0] : candidates[1];
 }
 
+// Set once while the library loads, read by every pass.
+DkPassBuilders& PassBuilders() {
+    static DkPassBuilders builders;
+    return builders;
+}
+
 }  // namespace
+
+void SetPassBuilders(const DkPassBuilders& builders) { PassBuilders() = builders; }
+const DkPassBuilders& GetPassBuilders() { return PassBuilders(); }
 
 thread_local const DkSystemManager::State* DkSystemManager::t_heldState = nullptr;
 
@@ -130,13 +136,15 @@ DkSmlReturn DkSystemManager::InitializeForLinux(const std::string& searchPath,
     GetRenderIdAndCardId();
     ConstructBoardIdMap();
     m_state->sysUtils = sysUtils ? std::move(sysUtils) : std::make_unique<DkSysUtils>();
+    const DkPassBuilders& builders = GetPassBuilders();
     m_state->topology = std::make_shared<const DkTopologySlot>(m_state->sysUtils, m_state->gpuNodeMap,
                                                                m_state->availableDeviceCount, m_state->niNodeList,
                                                                m_state->devices);
     // The process-accounting object is built from this pass's devices, before
     // the state is published.
-    m_state->processManagement = DkProcessManagementFactory::CreateProcessManagement(
-        GetProcessMemoryThreshold(m_state->devices.begin()->second->GetDeviceBrand()));
+    if (builders.processManagement != nullptr) {
+        m_state->processManagement = builders.processManagement(m_state->devices.begin()->second->GetDeviceBrand());
+    }
     m_state->initialized = true;
     return DK_SML_SUCCESS;
 }

@@ -93,6 +93,26 @@ struct DkBoardInfo {
     uint32_t deviceIds[64] = {};
 };
 
+// Everything discovery hands to the topology table builder.
+struct DkTopologyInputs {
+    const std::map<std::string, DkGpuNodeInfo>& gpuNodes;  // by PCI address
+    uint32_t gpuCount = 0;                                 // physical devices, indices 0..count-1
+    const std::vector<DkNiNodeInfo>& niNodes;
+    const std::map<uint32_t, std::shared_ptr<IDkDevice>>& devices;
+};
+
+// What a pass builds beside its devices from code that lives with the
+// features (the topology tables, built on first use by DkTopologySlot, and
+// the process accounting). The feature registry (api/) installs these when
+// the library loads, so this layer does not depend on the features; without
+// them both stay empty.
+struct DkPassBuilders {
+    std::shared_ptr<DkTopology> (*topology)(DkSysUtils* sysUtils, const DkTopologyInputs& inputs) = nullptr;
+    std::shared_ptr<IDkProcessManagement> (*processManagement)(DkSmlDeviceBrand brand) = nullptr;
+};
+void SetPassBuilders(const DkPassBuilders& builders);
+const DkPassBuilders& GetPassBuilders();
+
 class DkSystemManager {
     struct State;
 

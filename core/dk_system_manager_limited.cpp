@@ -35,7 +35,7 @@ const char* ReasonText(uint32_t reason) {
     return "";
 }
 
-// CheckIsDriverInstalled: 4 when "/proc/modules" cannot be read.
+// CheckIsDriverInstalled: DK_SML_ERROR_SYSFS when "/proc/modules" cannot be read.
 DkSmlReturn CheckIsDriverInstalled(bool& installed) {
     std::string text;
     if (ReadFileText(HostPath(c_modulesPath), text) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;

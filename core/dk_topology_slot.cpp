@@ -3,7 +3,6 @@
 #include <new>
 #include <utility>
 
-#include "features/topology/dk_topology.h"
 
 namespace dksml {
 
@@ -20,7 +19,9 @@ std::shared_ptr<DkTopology> DkTopologySlot::Get() const {
     try {
         // An exception leaves the flag unset, so a later call builds again.
         std::call_once(m_once, [this] {
-            m_topology = CreateTopology(m_sysUtils.get(), {m_gpuNodes, m_gpuCount, m_niNodes, m_devices});
+            // The builder lives with the features (see DkPassBuilders).
+            const auto build = GetPassBuilders().topology;
+            if (build != nullptr) m_topology = build(m_sysUtils.get(), {m_gpuNodes, m_gpuCount, m_niNodes, m_devices});
         });
     } catch (const std::bad_alloc&) {
         return nullptr;

@@ -10,18 +10,11 @@
 #include <charconv>
 #include <cstring>
 
-#include "core/dk_host_root.h"
-#include "core/idk_device.h"
 #include "driver/dk_driver_interface_manager.h"
 #include "driver/dk_text.h"
 
 namespace dksml {
 namespace {
-
-// (ROOT_PATH_REG_DUMP, used as given, or the host's debugfs directory) + "/reg_dump".
-std::string RegisterDumpPath() {
-    return GetEnv("ROOT_PATH_REG_DUMP", "/reg_dump", HostPath("/sys/kernel/debug/dkcd"));
-}
 
 // Lower-case hexadecimal, zero-filled to at least 8 digits (never truncated).
 void AppendHex8(std::string& out, unsigned long value) {
@@ -39,8 +32,8 @@ DkDirFd OpenPathDir(const std::string& path) {
     return DkDirFd(fd, fd < 0 ? errno : 0);
 }
 
-// Whole text of `name` in an opened directory: 3 when it (or the directory)
-// is absent, 4 when it cannot be read. An empty name addresses the directory
+// Whole text of `name` in an opened directory: DK_SML_ERROR_NOT_SUPPORTED when
+// it (or the directory) is absent, DK_SML_ERROR_SYSFS when it cannot be read. An empty name addresses the directory
 // itself, which is never readable.
 DkSmlReturn FetchAt(const DkDirFd& dir, const char* name, std::string& text) {
     if (!dir.IsOpen()) return dir.OpenErrno() == ENOENT || dir.OpenErrno() == ENOTDIR ? DK_SML_ERROR_NOT_SUPPORTED
@@ -97,15 +90,20 @@ DkSmlReturn DkLinuxDriverDataHandler::FetchNodeDataInactiveReason(unsigned int i
     return FetchAt(m_dirs->node, name, text);
 }
 
-void DkLinuxDriverDataHandler::UpdateDeviceProperties(IDkDevice* device) {
-    if (device == nullptr) return;
+// (ROOT_PATH_REG_DUMP, used as given, or the driver's debug directory) + "/reg_dump".
+std::string DkLinuxDriverDataHandler::RegisterDumpPath() const {
+    return GetEnv("ROOT_PATH_REG_DUMP", "/reg_dump", m_debugDir != nullptr ? m_debugDir() : std::string());
+}
+
+void DkLinuxDriverDataHandler::Attach(DkDriverDataSource source) {
     // The device builds these from its host root already: no root is added here.
-    m_smiPath0 = device->GetSmiPath(0);
-    m_smiPath1 = device->GetSmiPath(1);
-    m_nodePath = device->GetNodePath();
-    m_dirs = device->GetDeviceDirs();
+    m_smiPath0 = std::move(source.smiPath0);
+    m_smiPath1 = std::move(source.smiPath1);
+    m_nodePath = std::move(source.nodePath);
+    m_debugDir = source.debugDir;
+    m_dirs = std::move(source.dirs);
     if (m_dirs) return;
-    auto dirs = std::make_shared<DkDeviceDirs>();
+    auto dirs = std::make_shared<DkDriverDirs>();
     dirs->smi0 = OpenPathDir(m_smiPath0);
     dirs->smi1 = OpenPathDir(m_smiPath1);
     dirs->node = OpenPathDir(m_nodePath);

@@ -1,32 +1,50 @@
 // Per-device access to the driver's attribute files. A request identifier and
 // a die index become a read or write of a file in the device's "/smi/" (die 0)
 // or "/smi1/" (any other die) directory.
+//
+// The handler knows nothing of devices: it is given a DkDriverDataSource (the
+// device's paths and directory descriptors) and names requests through the
+// request table. The device layer builds that source (UpdateDeviceProperties
+// is defined there, in core/dk_driver_data_source.cpp).
 #pragma once
 
 #include <memory>
 #include <string>
 
-#include "core/dk_host_root.h"
 #include "dksml.h"
+#include "driver/dk_dir_fd.h"
 #include "driver/dk_opcode.h"
 
 namespace dksml {
 
 class IDkDevice;
 
+// Everything a handler reads through, taken from its device.
+struct DkDriverDataSource {
+    std::string smiPath0;  // ends in "/smi/"
+    std::string smiPath1;  // ends in "/smi1/"
+    std::string nodePath;  // node root + node number
+    // Open directories of the three paths; null to have the handler open them.
+    std::shared_ptr<const DkDriverDirs> dirs;
+    // The driver's debug directory under the current host root, asked at each
+    // register access (the register-dump file lives there).
+    std::string (*debugDir)() = nullptr;
+};
+
 class IDkDriverDataHandler {
 public:
     virtual ~IDkDriverDataHandler() = default;
-    // Whole text of the request's attribute: 3 absent, 4 unopenable; the
-    // output is changed only on success.
+    // Whole text of the request's attribute: DK_SML_ERROR_NOT_SUPPORTED absent,
+    // DK_SML_ERROR_SYSFS unopenable; the output is changed only on success.
     virtual DkSmlReturn FetchData(unsigned int dieId, dravik_smi_opcode op, std::string& text) = 0;
-    // Writes `text` + "\n": 3 absent, 4 unopenable, 5 refused by the driver.
+    // Writes `text` + "\n": DK_SML_ERROR_NOT_SUPPORTED absent,
+    // DK_SML_ERROR_SYSFS unopenable, DK_SML_ERROR_SYSFS_WRITE refused by the driver.
     virtual DkSmlReturn SetData(unsigned int dieId, dravik_smi_opcode op, const std::string& text) = 0;
     // The layout node's "active" file as one integer.
     virtual DkSmlReturn FetchNodeDataActive(int& active) = 0;
     // The layout node's "inactive_reason" (index 0) or "inactive_reasonN" file.
     virtual DkSmlReturn FetchNodeDataInactiveReason(unsigned int index, std::string& text) = 0;
-    // Copies the device's smi paths and node path.
+    // Copies the device's smi paths and node path (through Attach).
     virtual void UpdateDeviceProperties(IDkDevice* device) = 0;
     virtual DkSmlReturn WriteRegister(unsigned int dieId, unsigned long address, unsigned int value) = 0;
     virtual DkSmlReturn ReadRegister(unsigned int dieId, unsigned long address, std::string& text) = 0;
@@ -42,16 +60,23 @@ public:
     DkSmlReturn WriteRegister(unsigned int dieId, unsigned long address, unsigned int value) override;
     DkSmlReturn ReadRegister(unsigned int dieId, unsigned long address, std::string& text) override;
 
+    // Takes the paths and directories to read through; opens the directories
+    // from the paths when the source has none.
+    void Attach(DkDriverDataSource source);
+
     // Attribute path of a request: smi path of die 0 or 1, then the file name.
     std::string GetDriverInterfaceFile(unsigned int dieId, dravik_smi_opcode op) const;
 
 private:
+    std::string RegisterDumpPath() const;
+
     // The device's directory descriptors (or ones opened from the paths it
     // reports, for devices that keep none): every request is one openat.
-    std::shared_ptr<const DkDeviceDirs> m_dirs;
+    std::shared_ptr<const DkDriverDirs> m_dirs;
     std::string m_smiPath0;  // ends in "/smi/"
     std::string m_smiPath1;  // ends in "/smi1/"
     std::string m_nodePath;  // node root + node number
+    std::string (*m_debugDir)() = nullptr;
 };
 
 }  // namespace dksml

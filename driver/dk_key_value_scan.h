@@ -21,7 +21,7 @@ inline std::string& ScratchText() {
 // Walks "label: integers" lines with the acceptance rules of ParseKeyValue
 // and calls `visit(label, valueText)` for every line it would keep (at least
 // one integer, no "not support"). Every line is checked even after the
-// visitor found what it wanted, so a malformed line anywhere answers 4 just
+// visitor found what it wanted, so a malformed line anywhere answers DK_SML_ERROR_SYSFS just
 // as the container form does.
 template <typename Visit>
 DkSmlReturn ScanKeyValueLines(std::string_view text, Visit&& visit) {

@@ -1,5 +1,6 @@
-// Driver request numbers. The numbers are the driver's and stable; the request
-// table (dk_driver_interface_manager.cpp) gives each its attribute file name.
+// Driver request numbers. The numbers up to 172 are the driver's and stable;
+// the request table (dk_driver_interface_manager.cpp) gives each its attribute
+// file name.
 #pragma once
 
 #include <cstdint>
@@ -101,6 +102,16 @@ enum dravik_smi_opcode : uint32_t {
     DRAVIK_SMI_ETH_LINK_TRAIN = 170,
     DRAVIK_SMI_ETH_CONFIG_LINK_PARAM = 171,
     DRAVIK_SMI_UPDATE_FLASH_LOCK = 172,
+
+    // Attributes the driver names without a request number. They are numbered
+    // after the driver's own so that features read them through the same
+    // table and handler as every other attribute.
+    DRAVIK_SMI_SHOWTSTEMP = 173,
+    DRAVIK_SMI_SHOWPCIDELAY = 174,
+    DRAVIK_SMI_DPMINTERVAL = 175,
+    DRAVIK_SMI_SHOWTOPOLOGY = 176,
+
+    DRAVIK_SMI_OPCODE_END  // one past the highest request; sizes the request table
 };
 
 }  // namespace dksml

@@ -69,7 +69,7 @@ DkSmlReturn OpenFailure(int err) {
 }
 
 // Reads an opened descriptor and closes it. Only regular files are read (a
-// FIFO, a character device or a directory answer 4 at once), and never more
+// FIFO, a character device or a directory answer DK_SML_ERROR_SYSFS at once), and never more
 // than c_maxAttributeBytes. sysfs serves an attribute in one read and reports
 // a size of 4096 for every attribute, so st_size is only used to refuse
 // oversized regular files early; a short read ends the file, and a further

@@ -1,12 +1,13 @@
-// Template definitions of dk_text.h.
+// Template definitions of the text helpers (dk_text_*.h).
 //
 // The number scanner below reproduces libstdc++'s formatted extraction
-// (std::num_get in the "C" locale, as used by `std::istream >> T`) without a
-// stream: white space skipped by the sentry, optional sign, leading zeros,
-// digits, overflow detection and the int/short range check done by
-// basic_istream::operator>>. Unsigned types accept a leading '-' and wrap the
-// magnitude, exactly as libstdc++ does ("-1" read as unsigned int is
-// 4294967295); a magnitude that does not fit fails.
+// (`std::istream >> T` in the "C" locale: white space skipped by the sentry,
+// optional sign, overflow detection, the int/short range check, and unsigned
+// types wrapping a leading '-' so that "-1" read as unsigned int is
+// 4294967295), which is what the driver's text has always been parsed with.
+// The standard functions do not serve: std::from_chars rejects leading white
+// space, '+' and the unsigned wrap, strtol and its kin need a NUL-terminated
+// copy and honour the locale, and a stream allocates on every call.
 #pragma once
 
 #include <cerrno>
@@ -17,6 +18,15 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <vector>
+
+#include "dksml.h"
+#include "driver/dk_text_bits.h"
+#include "driver/dk_text_files.h"
+#include "driver/dk_text_key_value.h"
+#include "driver/dk_text_lines.h"
+#include "driver/dk_text_numbers.h"
+#include "driver/dk_text_unused.h"
 
 namespace dksml {
 namespace detail {

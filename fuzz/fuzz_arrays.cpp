@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
         fuzz::ExpectOnlyDkThrows([&] {
             int v[1];
             GetArrayValue<int>(lines, v, 1, 0);
-            GetArrayValue<int>(lines, v, 1, 0);  // may run out of lines: throws 4
+            GetArrayValue<int>(lines, v, 1, 0);  // may run out of lines: throws DK_SML_ERROR_SYSFS
         });
     }
     return 0;

@@ -26,7 +26,8 @@ inline Input Split(const uint8_t* data, std::size_t size) {
     return in;
 }
 
-// Runs a throwing helper; only DkSmlReturn 3 or 4 may come out of it.
+// Runs a throwing helper; only DK_SML_ERROR_NOT_SUPPORTED or
+// DK_SML_ERROR_SYSFS may come out of it.
 template <typename Fn>
 void ExpectOnlyDkThrows(Fn&& fn) {
     try {

@@ -1,6 +1,6 @@
 // Conversions: ExtractNumber for every supported type is checked against
 // std::istringstream, the non-throwing stoi family against std::sto*; the
-// throwing forms and the GetValue readers may only throw 3 or 4.
+// throwing forms and the GetValue readers may only throw DK_SML_ERROR_NOT_SUPPORTED or DK_SML_ERROR_SYSFS.
 #include <cmath>
 #include <cstring>
 #include <sstream>

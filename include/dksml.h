@@ -12,10 +12,12 @@
  *   - output pointers are checked first (DK_SML_ERROR_INVALID_INPUT), then the
  *     device index (DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
  *   - text results take a buffer and a size in/out: when the size is larger
- *     than the text, the text is copied and the answer is 0, otherwise 10; the
+ *     than the text, the text is copied and the answer is DK_SML_SUCCESS,
+ *     otherwise DK_SML_ERROR_INSUFFICIENT_SIZE; the
  *     size is always set to the text length plus one;
  *   - caller-sized arrays take a count in/out: capacity on entry, the needed
- *     number on return, and 10 when the capacity is too small.
+ *     number on return, and DK_SML_ERROR_INSUFFICIENT_SIZE when the capacity
+ *     is too small.
  *
  * Threads: every function may be called from any number of threads at once,
  * including dkSmlInit and dkSmlInitWithFlags. A forced discovery
@@ -304,7 +306,7 @@ typedef struct DkSmlVmInfo {
 /* Library                                                                   */
 /* ------------------------------------------------------------------------ */
 
-/** Discovers the devices (once); 2 when none was found. */
+/** Discovers the devices (once); DK_SML_ERROR_NO_DEVICE when none was found. */
 DKSML_API DkSmlReturn dkSmlInit(void);
 /** As dkSmlInit; any non-zero flag word forces a fresh discovery. */
 DKSML_API DkSmlReturn dkSmlInitWithFlags(uint32_t flags);
@@ -1358,7 +1360,7 @@ DKSML_API DkSmlExReturn dkSmlExDeviceGetPerformanceState(DkSmlExDevice device, D
 DKSML_API DkSmlExReturn dkSmlExDeviceGetAutoBoostedClocksEnabled(DkSmlExDevice device,
                                                                  DkSmlExEnableState *isEnabled,
                                                                  DkSmlExEnableState *defaultIsEnabled);
-/** Auto boost is not offered: 3 for a valid handle. */
+/** Auto boost is not offered: DK_SML_EX_ERROR_NOT_SUPPORTED for a valid handle. */
 DKSML_API DkSmlExReturn dkSmlExDeviceSetAutoBoostedClocksEnabled(DkSmlExDevice device,
                                                                  DkSmlExEnableState enabled);
 /** Every throttle reason the driver may report. */
@@ -1411,8 +1413,10 @@ DKSML_API DkSmlExReturn dkSmlExDeviceGetFieldValues(DkSmlExDevice device, uint32
 DKSML_API DkSmlExReturn dkSmlExDeviceGetFanSpeed(DkSmlExDevice device, uint32_t *speed);
 /** Fan duty of one fan (only fan 0) in percent. */
 DKSML_API DkSmlExReturn dkSmlExDeviceGetFanSpeed_v2(DkSmlExDevice device, uint32_t fan, uint32_t *speed);
-/** Processes on the die; count in: capacity, out: number found (7 when the
- *  capacity is smaller; 2 for a bad handle or null count; 999 when the scan fails). */
+/** Processes on the die; count in: capacity, out: number found
+ *  (DK_SML_EX_ERROR_INSUFFICIENT_SIZE when the capacity is smaller;
+ *  DK_SML_EX_ERROR_INVALID_ARGUMENT for a bad handle or null count;
+ *  DK_SML_EX_ERROR_UNKNOWN when the scan fails). */
 DKSML_API DkSmlExReturn dkSmlExDeviceGetComputeRunningProcesses(DkSmlExDevice device, uint32_t *infoCount,
                                                                 DkSmlExProcessInfo *infos);
 /** Kernel driver version text. */

@@ -7,7 +7,7 @@ namespace {
 
 // The levels of every domain the driver reports, with the clock and voltage
 // of the lowest level and the step between levels. The x-series training
-// line (brand 4) has ten compute levels; the others have eight.
+// line (DK_SML_BRAND_DKK_X) has ten compute levels; the others have eight.
 struct DpmDomainRow {
     std::string_view name;
     int levels;

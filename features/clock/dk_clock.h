@@ -23,7 +23,8 @@ public:
                                           DkSmlClockStatusForAll* status);
     virtual DkSmlReturn GetDieRealClocksFreq(IDkDevice* device, unsigned int dieId, DkSmlClocksFreqForAll* all,
                                              DkSmlClockStatusForAll* status);
-    // Clock control: not offered by this library version (3).
+    // Clock control: not offered by this library version
+    // (DK_SML_ERROR_NOT_SUPPORTED).
     virtual DkSmlReturn GetClockSsMode(IDkDevice* device, uint32_t* mode);
     virtual DkSmlReturn GetDieClockSsMode(IDkDevice* device, unsigned int dieId, uint32_t* mode);
     virtual DkSmlReturn SetClockSsMode(IDkDevice* device, uint32_t mode);

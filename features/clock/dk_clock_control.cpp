@@ -1,5 +1,6 @@
 // Clock control (spread spectrum, forced clocks and dividers, local clock
-// debug) is not offered by this library version; every slot answers 3 so that
+// debug) is not offered by this library version; every slot answers
+// DK_SML_ERROR_NOT_SUPPORTED so that
 // callers can tell it apart from a driver error.
 #include "features/clock/dk_clock.h"
 

@@ -16,8 +16,8 @@ namespace {
 // most DK_SML_CLOCK_MAX_VALUES values are taken, and the count says how many
 // were. The state lines ("csc status: 1 0 ...") fill the status record the
 // same way, without the vendor offset. Nothing is allocated: the text is the
-// thread's scratch and the lines are walked in place. 4 when no line holds a
-// number.
+// thread's scratch and the lines are walked in place. DK_SML_ERROR_SYSFS when
+// no line holds a number.
 DkSmlReturn ParseClocks(std::string_view text, DkSmlClocksFreqForAll& all, DkSmlClockStatusForAll* status) {
     bool anyLine = false;
     DkSmlReturn result = VisitKeyValue(text, [&](std::string_view label, const int64_t* values, std::size_t count) {

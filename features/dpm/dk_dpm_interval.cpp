@@ -37,8 +37,8 @@ DkSmlReturn DkDpm::GetDpmInterval(IDkDevice* device, DkSmlDpmInterval* interval)
 DkSmlReturn DkDpm::GetDieDpmInterval(IDkDevice* device, unsigned int dieId, DkSmlDpmInterval* interval) {
     if (device == nullptr || interval == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     thread_local std::string text;
-    const DkSmlReturn read = ReadFileText(device->GetSmiPath(dieId) + "dpminterval", text);
-    if (read != DK_SML_SUCCESS) return read;
+    // Absent or unreadable alike: the interval is not there to be read.
+    if (device->FetchDriverData(dieId, DRAVIK_SMI_DPMINTERVAL, text) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
     DkSmlDpmInterval all{};
     bool any = false;
     for (uint32_t ip = 0; ip < DK_SML_DPM_IP_COUNT; ++ip) {

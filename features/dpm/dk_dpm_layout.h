@@ -31,7 +31,7 @@ struct DkDpmIpTable {
 extern const DkDpmIpTable c_setDkk1DpmIpMap;
 extern const DkDpmIpTable c_setDkk6DpmIpMap;
 extern const DkDpmIpTable c_setDkk6uDpmIpMap;
-extern const DkDpmIpTable c_setDkqDpmIpMap;  // brand 1, current-level writes
+extern const DkDpmIpTable c_setDkqDpmIpMap;  // DK_SML_BRAND_DKQ, current-level writes
 
 // "" for a value outside the enumeration.
 std::string_view DpmIpName(DkSmlDpmIp ip);
@@ -50,13 +50,14 @@ bool FindLineContaining(std::string_view text, std::string_view name, std::strin
 // exactly `label`. false when no row has it.
 bool FindLabelledRow(std::string_view text, std::string_view label, std::string_view& value);
 
-// The decimal number after the first ':' of `line`: 4 without a colon or a
-// number, 3 when the value says "not support".
+// The decimal number after the first ':' of `line`: DK_SML_ERROR_SYSFS without
+// a colon or a number, DK_SML_ERROR_NOT_SUPPORTED when the value says
+// "not support".
 DkSmlReturn ParseCountAfterColon(std::string_view line, uint32_t& value);
 
 // Blank-separated decimal numbers into `values` (at most `capacity`).
-// 4 for a token that is no number or for more than `capacity` values, 3 when
-// the text says "not support". `count` gets the number of values.
+// DK_SML_ERROR_SYSFS for a token that is no number or for more than `capacity`
+// values, DK_SML_ERROR_NOT_SUPPORTED when the text says "not support". `count` gets the number of values.
 DkSmlReturn ParseLevelValues(std::string_view text, uint32_t* values, std::size_t capacity, uint32_t& count);
 DkSmlReturn ParseLevelValues(std::string_view text, uint64_t* values, std::size_t capacity, uint32_t& count);
 

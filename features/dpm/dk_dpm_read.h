@@ -23,7 +23,8 @@ DkSmlReturn CurrentLevelInText(std::string_view text, std::string_view name, uin
 DkSmlReturn MaxLevelInText(const IDkDevice& device, std::string_view text, std::string_view name, uint32_t& level);
 
 // Every level value of one domain from a "name: v0 v1 ..." row.
-// 9 for an unknown domain, 3 when the driver lists no row for it.
+// DK_SML_ERROR_INVALID_INPUT for an unknown domain, DK_SML_ERROR_NOT_SUPPORTED
+// when the driver lists no row for it.
 inline DkSmlReturn ReadDomainRow(IDkDevice& device, unsigned int dieId, dravik_smi_opcode op, std::string_view label,
                                  DkSmlDpmPerfLevel& levels) {
     levels = DkSmlDpmPerfLevel{};

@@ -17,12 +17,13 @@ inline uint32_t LinkPortCount(unsigned int dieId) { return dieId == 0 ? c_die0Li
 // Reads the first value after each "portN" line's first ':' (a float,
 // converted to T; 0 when it does not convert) into values[N - 1]. Lines
 // without "port", or whose port character is not a digit 1..9, are skipped.
-// 1 when a port number exceeds `count`, else 0 at the end of the text.
+// DK_SML_ERROR_FAILURE when a port number exceeds `count`, else DK_SML_SUCCESS
+// at the end of the text.
 template <typename T>
 DkSmlReturn GetDklkPortValue(std::string_view text, T* values, uint32_t count);
 
 // The same for lines carrying two integers ("port3: 12 0"); a line whose
-// numbers do not both parse answers 4.
+// numbers do not both parse answers DK_SML_ERROR_SYSFS.
 DkSmlReturn GetDklkPortPairs(std::string_view text, uint64_t (*pairs)[2], uint32_t count, uint32_t& ports);
 
 }  // namespace dksml

@@ -16,7 +16,6 @@ namespace {
 constexpr const char* c_dmiTable = "/sys/firmware/dmi/tables/DMI";
 constexpr const char* c_maxLinkSpeedFile = "/max_link_speed";
 constexpr const char* c_maxLinkWidthFile = "/max_link_width";
-constexpr const char* c_showPciDelayFile = "showpcidelay";
 constexpr const char* c_setPciDelayFile = "setpcidelay";
 constexpr const char* c_setPciSpeedFile = "setpcispeed";
 constexpr std::string_view c_guestRole = "guest";
@@ -162,7 +161,7 @@ DkSmlReturn DkPcie::GetDeviceSlot(IDkDevice* device, uint32_t* slot) {
 DkSmlReturn DkPcie::GetPciDelay(IDkDevice* device, uint32_t* delay) {
     if (device == nullptr || delay == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     if (const DkSmlReturn refused = CheckDelayPreconditions(*device)) return refused;
-    if (ReadFileText(device->GetSmiPath(0) + c_showPciDelayFile, t_scratch) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
+    if (device->FetchDriverData(0, DRAVIK_SMI_SHOWPCIDELAY, t_scratch) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
     uint32_t value = 0;
     if (!ExtractNumber(std::string_view(t_scratch), value)) return DK_SML_ERROR_SYSFS;
     *delay = value;

@@ -46,7 +46,8 @@ public:
     // Readings of a board whose devices report them through one of them only.
     virtual DkSmlReturn GetMasterDieBoardElectricInfo(IDkDevice* device, std::vector<unsigned int>& values);
 
-    // Value of `unit` in one PMBus attribute of a die; 3 when no key carries it.
+    // Value of `unit` in one PMBus attribute of a die; DK_SML_ERROR_NOT_SUPPORTED when no
+    // key carries it.
     DkSmlReturn ReadPmbusValue(IDkDevice* device, unsigned int dieId, dravik_smi_opcode op, DkSmlPmbusUnit unit,
                                uint32_t& value);
     // Board power limit in one unit for every model (the "capability" unit).

@@ -40,7 +40,8 @@ DkSmlReturn ReadNumber(const std::string& path, T& value) {
     return ReadSysfs(path, ExtractRawValueStr, value);
 }
 
-// Copies `text` under the text rule: 0 and terminated when it fits, else 10;
+// Copies `text` under the text rule: DK_SML_SUCCESS and
+// terminated when it fits, else DK_SML_ERROR_INSUFFICIENT_SIZE;
 // `size` becomes the length plus one.
 DkSmlReturn CopyText(std::string_view text, char* buffer, uint32_t* size) {
     const uint32_t capacity = *size;
@@ -229,7 +230,8 @@ DkSmlReturn DkSliceGpu::GetSgpuState(IDkDevice* device, uint32_t sgpuId, int32_t
     return ReadNumber(LayoutNodeFile(nodeId, "active"), *state);
 }
 
-// A slice that does not exist has nothing to report (3).
+// A slice that does not exist has nothing to report
+// (DK_SML_ERROR_NOT_SUPPORTED).
 DkSmlReturn DkSliceGpu::GetSgpuUtilization(IDkDevice* device, uint32_t sgpuId, int32_t* usage) {
     if (device == nullptr || usage == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     const DkSmlReturn result = CheckSgpuMode(device);

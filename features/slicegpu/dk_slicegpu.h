@@ -51,7 +51,8 @@ protected:
     virtual void AfterCreateWritten(IDkDevice* /*device*/, uint32_t /*sgpuId*/) {}
 
 private:
-    // 0 in slice mode, 3 in native mode, the read failure otherwise.
+    // DK_SML_SUCCESS in slice mode, DK_SML_ERROR_NOT_SUPPORTED in native mode,
+    // the read failure otherwise.
     DkSmlReturn CheckSgpuMode(IDkDevice* device);
     DkSmlReturn WriteChecked(IDkDevice* device, const std::string& path, uint32_t value);
 };

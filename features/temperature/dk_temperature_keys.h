@@ -66,8 +66,7 @@ inline constexpr std::array<DkTemperatureTypeEntry, 8> c_temperatureTypeMap{{
     {DK_SML_TEMPERATURE_HBM, {"hbm", ""}},
 }};
 
-// The sensor table is read as a plain file, not through the request table.
-inline constexpr std::string_view c_sensorTableFileName = "showtstemp";
+// Rows the sensor table (DRAVIK_SMI_SHOWTSTEMP) fills at most.
 inline constexpr std::size_t c_sensorTableMaxRows = DK_SML_TEMPERATURE_SENSOR_ROWS;
 
 }  // namespace dksml

@@ -1,7 +1,5 @@
 // The temperature-sensor table ("showtstemp"): one row of readings per line.
-#include <cstdio>
-#include <cstring>
-#include <memory>
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -19,23 +17,15 @@ namespace {
 // line is not a row the driver writes and is dropped unread.
 constexpr std::size_t c_maxSensorLineLength = 4096;
 
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using DkFile = std::unique_ptr<std::FILE, FileCloser>;
-
-// Next line without its newline, at most c_maxSensorLineLength - 1 characters
-// of it; false at end of file.
-bool NextBoundedLine(std::FILE* file, char (&buffer)[c_maxSensorLineLength], std::string_view& line) {
-    if (std::fgets(buffer, sizeof buffer, file) == nullptr) return false;
-    std::size_t length = std::strlen(buffer);
-    if (length > 0 && buffer[length - 1] == '\n') {
-        --length;
-    } else {
-        for (int c = std::getc(file); c != EOF && c != '\n'; c = std::getc(file)) {
-        }
-    }
-    line = std::string_view(buffer, length);
+// Next line of `rest` without its newline, cut to c_maxSensorLineLength - 1
+// characters and at a NUL (a line-buffered C reader sees no further); the cut
+// part is skipped. False when `rest` is used up.
+bool NextBoundedLine(std::string_view& rest, std::string_view& line) {
+    if (rest.empty()) return false;
+    const std::size_t newline = rest.find('\n');
+    line = rest.substr(0, newline);
+    rest = newline == std::string_view::npos ? std::string_view() : rest.substr(newline + 1);
+    line = line.substr(0, std::min(line.find('\0'), c_maxSensorLineLength - 1));
     return true;
 }
 
@@ -64,16 +54,16 @@ DkSmlReturn DkTemperature::GetDieTemperatureSensor(IDkDevice* device, unsigned i
     if (device == nullptr || sensors == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     if (!PassesTelemetryGate(*device)) return DK_SML_ERROR_NOT_SUPPORTED;
 
-    const std::string path = device->GetSmiPath(dieId) + std::string(c_sensorTableFileName);
-    DkFile file(std::fopen(path.c_str(), "r"));
-    if (!file) return DK_SML_ERROR_SYSFS;
+    // Absent or unreadable alike: the table is not there to be read.
+    thread_local std::string text;
+    if (device->FetchDriverData(dieId, DRAVIK_SMI_SHOWTSTEMP, text) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
 
     *sensors = DkSmlTemperatureSensorForAll{};
-    char buffer[c_maxSensorLineLength];
+    std::string_view rest(text);
     std::string_view line;
     uint32_t rows = 0;
     // The table has room for a fixed number of rows; later lines are not read.
-    while (rows < c_sensorTableMaxRows && NextBoundedLine(file.get(), buffer, line)) {
+    while (rows < c_sensorTableMaxRows && NextBoundedLine(rest, line)) {
         FillSensorRow(line, sensors->rows[rows]);
         ++rows;
     }

@@ -26,14 +26,6 @@ struct DkNumaNodeInfo {
     std::set<uint32_t> cpus;
 };
 
-// Everything discovery hands to the table builder.
-struct DkTopologyInputs {
-    const std::map<std::string, DkGpuNodeInfo>& gpuNodes;  // by PCI address
-    uint32_t gpuCount = 0;                                 // physical devices, indices 0..count-1
-    const std::vector<DkNiNodeInfo>& niNodes;
-    const std::map<uint32_t, std::shared_ptr<IDkDevice>>& devices;
-};
-
 // One row of an interconnect peer table: the board position's link count and
 // the number of links to each peer position.
 struct DkLinkPeerRow {
@@ -57,7 +49,7 @@ public:
     virtual DkSmlReturn GetDeviceTopology(uint32_t device1, uint32_t device2, DkSmlGpuTopologyLevel* level);
     virtual DkSmlReturn GetDeviceDistance(uint32_t device1, uint32_t device2, uint32_t* distance);
     virtual DkSmlReturn GetCpuAffinity(uint32_t device, uint32_t cpuSetSize, uint32_t* cpuSet);
-    // The CPU set as a list of ranges ("0-31,64-95"); 10 when `size` cannot
+    // The CPU set as a list of ranges ("0-31,64-95"); DK_SML_ERROR_INSUFFICIENT_SIZE when `size` cannot
     // hold it with its terminating zero.
     virtual DkSmlReturn GetCpuAffinityStr(uint32_t device, uint32_t size, char* text);
     virtual DkSmlReturn GetNodeAffinity(uint32_t device, uint32_t nodeSetSize, uint32_t* nodeSet);
@@ -67,7 +59,8 @@ public:
     // The far end of the device's `link`-th interconnect record (types 4 and 5,
     // in the driver's order).
     virtual DkSmlReturn GetDravikLinkRemoteInfo(uint32_t device, uint32_t link, DkSmlDravikLinkRemoteInfo* info);
-    // The driver publishes no unique ids of link peers yet: both answer 3.
+    // The driver publishes no unique ids of link peers yet: both answer
+    // DK_SML_ERROR_NOT_SUPPORTED.
     virtual DkSmlReturn GetLocalAndRemoteUuid(uint32_t device, DkSmlUuidPair* pair);
     virtual DkSmlReturn GetLocalAndMultipleRemoteUuid(uint32_t device, uint32_t* count, DkSmlUuidPair* pairs);
 

@@ -33,7 +33,6 @@ constexpr DkLinkTypeLevel c_linkTypeLevels[] = {
 };
 // The link type of a GPU's record that points at its local CPU node.
 constexpr uint32_t c_cpuLinkType = 3;
-constexpr const char* c_showTopologyFile = "showtopology";
 
 uint32_t LevelOfLinkType(uint32_t type) {
     for (const DkLinkTypeLevel& entry : c_linkTypeLevels) {
@@ -160,7 +159,7 @@ void DkTopology::GenerateSocketDeviceMap(const DkTopologyInputs& inputs) {
     for (uint32_t index = 0; index < inputs.gpuCount; ++index) {
         const auto it = inputs.devices.find(index);
         if (it == inputs.devices.end() || !it->second || it->second->IsVf()) continue;
-        if (ReadFileText(it->second->GetSmiPath(0) + c_showTopologyFile, scratch) != DK_SML_SUCCESS) continue;
+        if (it->second->FetchDriverData(0, DRAVIK_SMI_SHOWTOPOLOGY, scratch) != DK_SML_SUCCESS) continue;
         uint32_t position = 0, socket = 0;
         DkTextLines lines(scratch);
         std::string_view line;

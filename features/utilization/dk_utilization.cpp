@@ -33,8 +33,8 @@ const DkUsageIpName* FindUsageIp(DkSmlUsageIp ip) {
     return nullptr;
 }
 
-// A number the driver printed that is not one: 3 for its "not support"
-// marker, else 4.
+// A number the driver printed that is not one: DK_SML_ERROR_NOT_SUPPORTED for
+// its "not support" marker, else DK_SML_ERROR_SYSFS.
 DkSmlReturn UnreadableNumber(std::string_view text) {
     return detail::ContainsNotSupport(text) ? DK_SML_ERROR_NOT_SUPPORTED : DK_SML_ERROR_SYSFS;
 }

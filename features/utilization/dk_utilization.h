@@ -42,7 +42,7 @@ public:
     // is the marker.
     static int32_t GetAverageUsage(std::string_view samples);
     DkSmlReturn GetXcoreUsage(IDkDevice* device, unsigned int dieId, int32_t* usage);
-    // 4 when "deviceinfo" lacks either count: the table cannot be sized.
+    // DK_SML_ERROR_SYSFS when "deviceinfo" lacks either count: the table cannot be sized.
     DkSmlReturn GetDpcAndApPerDpcNum(IDkDevice* device, unsigned int dieId, uint32_t* dpcCount, uint32_t* apPerDpc);
     // A DPC line of nothing but "ff" tokens (or none) is fused off.
     static bool IsHarvestDpc(std::string_view apTokens);

@@ -32,16 +32,18 @@ void PutText(std::string_view text, char* buffer, uint32_t capacity);
 // returns and newlines at the end.
 std::string_view VersionValue(std::string_view text);
 
-// The copy rule: "unknown" first; an empty value gives 4; the value is copied
-// when *size > its length (0), else 10; *size becomes its length + 1.
+// The copy rule: "unknown" first; an empty value gives DK_SML_ERROR_SYSFS; the
+// value is copied when *size > its length (DK_SML_SUCCESS), else
+// DK_SML_ERROR_INSUFFICIENT_SIZE; *size becomes its length + 1.
 DkSmlReturn CopyVersionValue(std::string_view value, char* buffer, uint32_t* size);
 
-// Value of the first firmware line whose key contains `name`. 3 when none,
-// 4 when a non-empty line has no colon.
+// Value of the first firmware line whose key contains `name`. DK_SML_ERROR_NOT_SUPPORTED
+// when none, DK_SML_ERROR_SYSFS when a non-empty line has no colon.
 DkSmlReturn FindFirmwareValue(std::string_view text, std::string_view name, std::string_view& value);
 
 // Each of the nine keys into its field of `record` (exact key match); fields
-// of absent keys keep what they hold. 4 when a non-empty line has no colon.
+// of absent keys keep what they hold. DK_SML_ERROR_SYSFS when a non-empty line has no
+// colon.
 DkSmlReturn FillFirmwareRecord(std::string_view text, DkSmlFwVersion& record);
 
 // "unknown" in the first two fields, "not support" in the other seven.

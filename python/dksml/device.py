@@ -245,14 +245,14 @@ DEVICE_FIELDS: list[tuple[str, Callable[[Device], Any]]] = [
 
 def ensure_initialised() -> None:
     """Runs discovery unless it already ran (the library keeps its result);
-    raises DkSmlError with code 2 when there is no device."""
+    raises DkSmlError with DK_SML_ERROR_NO_DEVICE when there is no device."""
     api.init()
 
 
 def devices() -> Iterator[Device]:
     """Every device the library serves: physical devices, then virtual functions.
 
-    Raises DkSmlError (code 2) on a host where discovery found no device."""
+    Raises DkSmlError (DK_SML_ERROR_NO_DEVICE) on a host where discovery found no device."""
     ensure_initialised()
     for index in api.device_indices():
         device = _or_none(lambda: Device(index))

@@ -1,4 +1,5 @@
-// Every per-handle compatibility export answers 2 for a null or forged
+// Every per-handle compatibility export answers
+// DK_SML_EX_ERROR_INVALID_ARGUMENT for a null or forged
 // handle, whatever its outputs, and never touches the forged memory.
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
 // Every native device-indexed export checks its pointers before the device
-// index (9 even for an unknown index), then answers 6 for an unknown index.
+// index (DK_SML_ERROR_INVALID_INPUT even for an unknown index), then answers
+// DK_SML_ERROR_DEVICE_NOT_AVAILABLE for an unknown index.
 #include <gtest/gtest.h>
 
 #include <functional>

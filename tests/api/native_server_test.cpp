@@ -48,7 +48,8 @@ TEST_F(NativeServerTest, DieBeyondTheDeviceIsInvalid) {
     }
 }
 
-// The count is capacity in, needed number out; 10 when the array is short.
+// The count is capacity in, needed number out; DK_SML_ERROR_INSUFFICIENT_SIZE
+// when the array is short.
 TEST_F(NativeServerTest, VirtualFunctionListFollowsTheCountRule) {
     for (uint32_t index = 0; index < dkSmlGetDeviceCount(); ++index) {
         uint32_t vfs[8] = {};

@@ -217,7 +217,8 @@ protected:
         device.smiPath = m_dir.string() + "/";
     }
     void TearDown() override { std::filesystem::remove_all(m_dir); }
-    void Write(const std::string& text) { std::ofstream(m_dir / "dpminterval") << text; }
+    // The read goes through the request table, the write to the file.
+    void Write(const std::string& text) { device.Serve(0, DRAVIK_SMI_DPMINTERVAL, text); }
     std::string Read() {
         std::ifstream in(m_dir / "dpminterval");
         return std::string(std::istreambuf_iterator<char>(in), {});
@@ -251,7 +252,7 @@ TEST_F(DpmIntervalTest, BadTextKeepsTheCallersRecord) {
         EXPECT_EQ(dpm.GetDpmInterval(&device, &interval), DK_SML_ERROR_SYSFS) << text;
         EXPECT_EQ(interval.interval[0], 42u);
     }
-    std::filesystem::remove(m_dir / "dpminterval");
+    device.Fail(0, DRAVIK_SMI_DPMINTERVAL, DK_SML_ERROR_NOT_SUPPORTED);
     EXPECT_NE(dpm.GetDpmInterval(&device, &interval), DK_SML_SUCCESS);
 }
 

@@ -50,10 +50,11 @@ TEST(RequestTable, NamedAndReservedEntries) {
         (name.empty() ? reserved : named)++;
         EXPECT_EQ(DkDriverInterfaceManager::GetDriverInterface(op), name);
     }
-    // The driver names 94 requests and reserves 70 further numbers.
-    EXPECT_EQ(named, 94u);
+    // The driver names 94 requests and reserves 70 further numbers; four
+    // attributes without a driver number follow them.
+    EXPECT_EQ(named, 98u);
     EXPECT_EQ(reserved, 70u);
-    EXPECT_EQ(map.size(), 164u);
+    EXPECT_EQ(map.size(), 168u);
 }
 
 TEST(RequestTable, SpotChecks) {
@@ -64,9 +65,9 @@ TEST(RequestTable, SpotChecks) {
     const Case cases[] = {
         {0, "apuseageswitch"}, {3, "capability"}, {35, "dravlink_ctrl"}, {60, "ras_show_mem_ecc_info"},
         {92, "showclocks"}, {126, "showtemp"}, {131, "showuse"}, {157, "xpuusedebugmax"},
-        {164, "dpm_table_ctrl"}, {172, "update_flash_lock"},
+        {164, "dpm_table_ctrl"}, {172, "update_flash_lock"}, {173, "showtstemp"}, {176, "showtopology"},
         // reserved numbers and absent ones both give the empty name
-        {1, ""}, {53, ""}, {158, ""}, {19, ""}, {149, ""}, {173, ""}, {0xFFFFFFFFu, ""},
+        {1, ""}, {53, ""}, {158, ""}, {19, ""}, {149, ""}, {177, ""}, {0xFFFFFFFFu, ""},
     };
     for (const Case& c : cases) {
         const std::string expected = c.name != nullptr ? c.name : "";

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "core/dk_service_manager.h"
+#include "api/dk_service_manager.h"
 #include "core/dk_system_manager.h"
 #include "dksml.h"
 #include "features/power/dk_power.h"

@@ -12,7 +12,7 @@
 #include "core/dk_sys_utils.h"
 #include "core/dk_system_manager.h"
 #include "dksml.h"
-#include "core/dk_service_manager.h"
+#include "api/dk_service_manager.h"
 #include "features/process/idk_process_management.h"
 #include "features/slicegpu/dk_slicegpu.h"
 #include "vhost/dk_virtual_host.h"

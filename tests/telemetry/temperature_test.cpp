@@ -1,4 +1,4 @@
-// DkTemperature against canned "showtemp" text and "showtstemp" files.
+// DkTemperature against canned "showtemp" and "showtstemp" text.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -173,18 +173,8 @@ TEST_F(TemperatureTest, DeviceHotspotFailsWhenALaterDieFails) {
 
 class SensorTableTest : public TemperatureTest {
 protected:
-    void SetUp() override {
-        m_dir = std::filesystem::temp_directory_path() /
-                ("dksml_tstemp_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "_" +
-                 ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::create_directories(m_dir);
-        device.smiPath = m_dir.string() + "/";
-    }
-    void TearDown() override { std::filesystem::remove_all(m_dir); }
+    void WriteTable(const std::string& text) { device.Serve(0, DRAVIK_SMI_SHOWTSTEMP, text); }
 
-    void WriteTable(const std::string& text) { std::ofstream(m_dir / "showtstemp") << text; }
-
-    std::filesystem::path m_dir;
     DkSmlTemperatureSensorForAll table{};
 };
 
@@ -236,7 +226,7 @@ TEST_F(SensorTableTest, GateAndMissingFile) {
     }
     device.brand = DK_SML_BRAND_DKK;
     device.isVf = false;
-    std::filesystem::remove(m_dir / "showtstemp");
+    device.Fail(0, DRAVIK_SMI_SHOWTSTEMP, DK_SML_ERROR_NOT_SUPPORTED);
     EXPECT_EQ(temperature.GetTemperatureSensor(&device, &table), DK_SML_ERROR_SYSFS);
 }
 

@@ -147,8 +147,8 @@ TEST_F(ThreadsStressTest, ConcurrentInitialisation) {
 }
 
 // The rediscovery rule: a plain dkSmlInit keeps handles; a forced one makes
-// them answer 2, and handles asked for again answer as before. A value that
-// was never a handle answers 2 too.
+// them answer DK_SML_EX_ERROR_INVALID_ARGUMENT, and handles asked for again
+// answer as before. A value that was never a handle answers it too.
 TEST_F(ThreadsStressTest, HandlesOfAReplacedDiscoveryAnswerInvalidArgument) {
     DkSmlExDevice before = HandleOf(0);
     ASSERT_NE(before, nullptr);

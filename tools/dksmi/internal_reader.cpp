@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "core/dk_service_manager.h"
+#include "api/dk_service_manager.h"
 #include "core/dk_system_manager.h"
 #include "features/temperature/dk_temperature.h"
 #include "features/voltage/dk_voltage.h"

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "core/dk_service_manager.h"
+#include "api/dk_service_manager.h"
 #include "core/dk_system_manager.h"
 #include "features/power/dk_power.h"
 

@@ -14,7 +14,7 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
-#include "core/dk_service_manager.h"
+#include "api/dk_service_manager.h"
 #include "core/dk_system_manager.h"
 #include "dksml.h"
 #include "features/dpm/dk_dpm.h"

@@ -1,6 +1,14 @@
-#include "core/dk_service_manager.h"
+// The feature registry: creates each feature service once, and hands the
+// system manager the builders of the objects it makes in every discovery
+// pass from feature code (topology tables, process accounting).
+#include "api/dk_service_manager.h"
 
 #include <utility>
+
+#include "core/dk_system_manager.h"
+#include "features/process/dk_process_threshold.h"
+#include "features/process/idk_process_management.h"
+#include "features/topology/dk_topology.h"
 
 #include "features/temperature/dk_temperature.h"
 #include "features/voltage/dk_voltage.h"
@@ -38,6 +46,20 @@
 #include "features/vpu/dk_vpu.h"
 
 namespace dksml {
+namespace {
+
+std::shared_ptr<IDkProcessManagement> BuildProcessManagement(DkSmlDeviceBrand brand) {
+    return DkProcessManagementFactory::CreateProcessManagement(GetProcessMemoryThreshold(brand));
+}
+
+// Installed while the library loads, before any export (and so any
+// discovery pass) can run; this file is linked wherever the registry is.
+[[maybe_unused]] const bool c_passBuildersInstalled = [] {
+    SetPassBuilders({CreateTopology, BuildProcessManagement});
+    return true;
+}();
+
+}  // namespace
 
 DkServiceManager& DkServiceManager::GetInstance() {
     static DkServiceManager instance;

@@ -1,0 +1,32 @@
+// How a device is handed to its driver data handler: the handler lives in the
+// driver layer and knows nothing of devices, so the device layer turns a
+// device into the paths and directories the handler reads through.
+#include <memory>
+#include <utility>
+
+#include "core/dk_host_root.h"
+#include "core/idk_device.h"
+#include "driver/dk_driver_data_handler.h"
+
+namespace dksml {
+namespace {
+
+// The driver's debugfs directory under the root in force at the call, so a
+// handler follows the host root as the register paths always have.
+std::string DriverDebugDir() { return HostPath("/sys/kernel/debug/dkcd"); }
+
+}  // namespace
+
+void DkLinuxDriverDataHandler::UpdateDeviceProperties(IDkDevice* device) {
+    if (device == nullptr) return;
+    DkDriverDataSource source;
+    source.smiPath0 = device->GetSmiPath(0);
+    source.smiPath1 = device->GetSmiPath(1);
+    source.nodePath = device->GetNodePath();
+    // The device's own descriptors, kept alive with everything they belong to.
+    source.dirs = device->GetDeviceDirs();
+    source.debugDir = DriverDebugDir;
+    Attach(std::move(source));
+}
+
+}  // namespace dksml

@@ -1,0 +1,22 @@
+// Closing and moving owned directory descriptors.
+#include "driver/dk_dir_fd.h"
+
+#include <unistd.h>
+
+namespace dksml {
+
+DkDirFd& DkDirFd::operator=(DkDirFd&& other) noexcept {
+    if (this != &other) {
+        if (m_fd >= 0) ::close(m_fd);
+        m_fd = other.m_fd;
+        m_errno = other.m_errno;
+        other.m_fd = -1;
+    }
+    return *this;
+}
+
+DkDirFd::~DkDirFd() {
+    if (m_fd >= 0) ::close(m_fd);
+}
+
+}  // namespace dksml
