@@ -38,8 +38,14 @@ std::string BusId(unsigned bus, unsigned device, unsigned function) {
     return text;
 }
 
-// GPUs on buses 0x10.. behind one switch per eight, half on each NUMA node,
-// interconnect links in pairs; other functions fill buses 0x80.. .
+// Eight GPUs per switch: the switch port on bus 0x10 + 9 * group and its GPUs
+// on the eight buses right after it, so every bridge's bus range holds only
+// its own children.
+unsigned SwitchBus(unsigned gpu) { return 0x10 + 9 * (gpu / 8); }
+unsigned GpuBus(unsigned gpu) { return SwitchBus(gpu) + 1 + gpu % 8; }
+
+// GPUs behind one switch per eight, half on each NUMA node, interconnect
+// links in pairs; other functions fill buses 0x80.. .
 json MakeProfile(unsigned gpus, unsigned others) {
     json profile = {{"name", "bench"},
                     {"cpu_nodes", json::array({{{"node", 0}, {"cpus", "0-63"}}, {{"node", 1}, {"cpus", "64-127"}}})},
@@ -47,15 +53,15 @@ json MakeProfile(unsigned gpus, unsigned others) {
                     {"links", json::array()}};
     for (unsigned i = 0; i < gpus; ++i) {
         const unsigned numa = i < gpus / 2 ? 0 : 1;
-        profile["devices"].push_back({{"bus_id", BusId(0x10 + i, 0, 0)},
+        profile["devices"].push_back({{"bus_id", BusId(GpuBus(i), 0, 0)},
                                       {"model", "DKK6-A"},
                                       {"numa_node", numa},
                                       {"gpu_id", 1000 + i},
                                       {"topology", json::array({i % 8, numa})},
                                       {"bridges", json::array({BusId(numa == 0 ? 0x0 : 0x8, 1 + i / 8, 0),
-                                                               BusId(0x60 + i / 8, 0, 0)})}});
+                                                               BusId(SwitchBus(i), 0, 0)})}});
         if (i % 2 == 1) {
-            profile["links"].push_back({{"from", BusId(0x10 + i - 1, 0, 0)}, {"to", BusId(0x10 + i, 0, 0)}, {"type", 4}});
+            profile["links"].push_back({{"from", BusId(GpuBus(i - 1), 0, 0)}, {"to", BusId(GpuBus(i), 0, 0)}, {"type", 4}});
         }
     }
     for (unsigned i = 0; i < others; ++i) {
@@ -116,7 +122,7 @@ void BM_BuildFloor(benchmark::State& state) {
     vhost::ScopedHost& host = HostFor(gpus, static_cast<unsigned>(state.range(1)));
     std::vector<std::string> files;
     for (unsigned i = 0; i < gpus; ++i) {
-        const std::string dir = host.Path("/sys/bus/pci/devices/" + BusId(0x10 + i, 0, 0)).string();
+        const std::string dir = host.Path("/sys/bus/pci/devices/" + BusId(GpuBus(i), 0, 0)).string();
         for (const char* name : {"/numa_node", "/local_cpulist", "/smi/showtopology"}) files.push_back(dir + name);
     }
     for (auto _ : state) {
