@@ -39,6 +39,26 @@ DkSmlReturn MaxLevelFromLine(const IDkDevice& device, std::string_view line, uin
 
 }  // namespace
 
+// The domain's "name: level" row of "showperflevel": 3 without a row, 4 unless
+// it holds exactly one level.
+DkSmlReturn CurrentLevelInText(std::string_view text, std::string_view name, uint32_t& level) {
+    std::string_view value;
+    if (!FindLabelledRow(text, name, value)) return DK_SML_ERROR_NOT_SUPPORTED;
+    DkSmlDpmPerfLevel row{};
+    const DkSmlReturn result = ParseLevelValues(value, row.values, DK_SML_DPM_MAX_LEVELS, row.count);
+    if (result != DK_SML_SUCCESS) return result;
+    if (row.count != 1) return DK_SML_ERROR_SYSFS;
+    level = row.values[0];
+    return DK_SML_SUCCESS;
+}
+
+// The first "dpmcount" line naming the domain: 9 when none does.
+DkSmlReturn MaxLevelInText(const IDkDevice& device, std::string_view text, std::string_view name, uint32_t& level) {
+    std::string_view line;
+    if (!FindLineContaining(text, name, line)) return DK_SML_ERROR_INVALID_INPUT;
+    return MaxLevelFromLine(device, line, level);
+}
+
 DkSmlReturn DkDpm::GetDpmIpMaxPerfLevel(IDkDevice* device, DkSmlDpmIp ip, uint32_t* level) {
     return GetDieDpmIpMaxPerfLevel(device, 0, ip, level);
 }
@@ -51,9 +71,7 @@ DkSmlReturn DkDpm::GetDieDpmIpMaxPerfLevel(IDkDevice* device, unsigned int dieId
     std::string* text = nullptr;
     const DkSmlReturn result = FetchDpmText(*device, dieId, DRAVIK_SMI_DPMCOUNT, text);
     if (result != DK_SML_SUCCESS) return result;
-    std::string_view line;
-    if (!FindLineContaining(*text, name, line)) return DK_SML_ERROR_INVALID_INPUT;
-    return MaxLevelFromLine(*device, line, *level);
+    return MaxLevelInText(*device, *text, name, *level);
 }
 
 DkSmlReturn DkDpm::GetDpmMaxPerfLevel(IDkDevice* device, DkSmlDpmForAll* levels) {
@@ -138,12 +156,12 @@ DkSmlReturn DkDpm::GetCurrentDieDpmIpPerfLevel(IDkDevice* device, unsigned int d
                                                uint32_t* level) {
     if (device == nullptr || level == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     if (device->IsVf()) return DK_SML_ERROR_NOT_SUPPORTED;
-    DkSmlDpmPerfLevel row;
-    const DkSmlReturn result = ReadDomainRow(*device, dieId, DRAVIK_SMI_SHOWPERFLEVEL, DpmIpName(ip), row);
+    const std::string_view name = DpmIpName(ip);
+    if (name.empty()) return DK_SML_ERROR_INVALID_INPUT;
+    std::string* text = nullptr;
+    const DkSmlReturn result = FetchDpmText(*device, dieId, DRAVIK_SMI_SHOWPERFLEVEL, text);
     if (result != DK_SML_SUCCESS) return result;
-    if (row.count != 1) return DK_SML_ERROR_SYSFS;
-    *level = row.values[0];
-    return DK_SML_SUCCESS;
+    return CurrentLevelInText(*text, name, *level);
 }
 
 DkSmlReturn DkDpm::GetDpmCurPerfLevel(IDkDevice* device, DkSmlDpmForAll* levels) {

@@ -10,9 +10,22 @@ namespace dksml {
 
 class IDkDevice;
 
+// A die's current and maximum level of every domain; each status is what the
+// per-domain read of that domain answers.
+struct DkDpmDieLevels {
+    DkSmlReturn currentStatus[DK_SML_DPM_IP_COUNT];
+    uint32_t current[DK_SML_DPM_IP_COUNT];
+    DkSmlReturn maxStatus[DK_SML_DPM_IP_COUNT];
+    uint32_t max[DK_SML_DPM_IP_COUNT];
+};
+
 class DkDpm {
 public:
     virtual ~DkDpm() = default;
+
+    // Every domain of the die from one read of "showperflevel" and one of
+    // "dpmcount", for callers that want them all (a monitoring scrape).
+    DkSmlReturn GetDieDpmLevels(IDkDevice* device, unsigned int dieId, DkDpmDieLevels* levels);
 
     virtual DkSmlReturn GetDpmClockInfo(IDkDevice* device, DkSmlDpmInfoForAll* info);
     virtual DkSmlReturn GetDieDpmClockInfo(IDkDevice* device, unsigned int dieId, DkSmlDpmInfoForAll* info);

@@ -16,6 +16,12 @@ inline DkSmlReturn FetchDpmText(IDkDevice& device, unsigned int dieId, dravik_sm
     return device.FetchDriverData(dieId, op, scratch);
 }
 
+// One domain's level from the text of a die's file, as the per-domain reads
+// answer it (dk_dpm.cpp): the level in force ("showperflevel") and the
+// highest level allowed ("dpmcount").
+DkSmlReturn CurrentLevelInText(std::string_view text, std::string_view name, uint32_t& level);
+DkSmlReturn MaxLevelInText(const IDkDevice& device, std::string_view text, std::string_view name, uint32_t& level);
+
 // Every level value of one domain from a "name: v0 v1 ..." row.
 // 9 for an unknown domain, 3 when the driver lists no row for it.
 inline DkSmlReturn ReadDomainRow(IDkDevice& device, unsigned int dieId, dravik_smi_opcode op, std::string_view label,

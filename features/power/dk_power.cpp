@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "core/dk_system_manager.h"
 #include "core/idk_device.h"
@@ -26,6 +27,26 @@ DkSmlReturn ReadBoardList(IDkDevice& device, std::vector<unsigned int>& values) 
     return ParseValueAfterColon(text, values);
 }
 
+// The first value of each unit in one PMBus attribute; found[u] stays false
+// when no key carries unit u.
+struct DkPmbusFileValues {
+    uint32_t value[c_pmbusUnitCount] = {};
+    bool found[c_pmbusUnitCount] = {};
+};
+
+DkSmlReturn ParsePmbusText(std::string_view text, DkPmbusFileValues& values) {
+    return ScanKeyValueLines(text, [&](std::string_view key, std::string_view numbers) {
+        const DkPmbusFragment* entry = FindPmbusFragment(key);
+        if (entry == nullptr) return;
+        const auto unit = static_cast<uint32_t>(entry->unit);
+        if (unit >= c_pmbusUnitCount || values.found[unit]) return;
+        int64_t number = 0;
+        ExtractNumber(numbers, number);
+        values.value[unit] = static_cast<uint32_t>(number);
+        values.found[unit] = true;
+    });
+}
+
 }  // namespace
 
 DkSmlReturn DkPower::ReadPmbusValue(IDkDevice* device, unsigned int dieId, dravik_smi_opcode op, DkSmlPmbusUnit unit,
@@ -33,20 +54,12 @@ DkSmlReturn DkPower::ReadPmbusValue(IDkDevice* device, unsigned int dieId, dravi
     std::string& text = ScratchText();
     DkSmlReturn result = device->FetchDriverData(dieId, op, text);
     if (result != DK_SML_SUCCESS) return result;
-    bool found = false;
-    uint32_t reading = 0;
-    result = ScanKeyValueLines(text, [&](std::string_view key, std::string_view numbers) {
-        if (found) return;
-        const DkPmbusFragment* entry = FindPmbusFragment(key);
-        if (entry == nullptr || entry->unit != unit) return;
-        int64_t number = 0;
-        ExtractNumber(numbers, number);
-        reading = static_cast<uint32_t>(number);
-        found = true;
-    });
+    DkPmbusFileValues values;
+    result = ParsePmbusText(text, values);
     if (result != DK_SML_SUCCESS) return result;
-    if (!found) return DK_SML_ERROR_NOT_SUPPORTED;
-    value = reading;
+    const auto index = static_cast<uint32_t>(unit);  // any value may come through the interface
+    if (index >= c_pmbusUnitCount || !values.found[index]) return DK_SML_ERROR_NOT_SUPPORTED;
+    value = values.value[index];
     return DK_SML_SUCCESS;
 }
 
@@ -59,6 +72,34 @@ DkSmlReturn DkPower::GetDiePmbusInfo(IDkDevice* device, unsigned int dieId, DkSm
     result = ReadPmbusValue(device, dieId, DRAVIK_SMI_SHOWPMBUSCUR, unit, info->current);
     if (result != DK_SML_SUCCESS) return result;
     return ReadPmbusValue(device, dieId, DRAVIK_SMI_SHOWPMBUSPOWER, unit, info->power);
+}
+
+DkSmlReturn DkPower::GetDiePmbusRails(IDkDevice* device, unsigned int dieId, DkDiePmbusRails* rails) {
+    if (device == nullptr || rails == nullptr) return DK_SML_ERROR_INVALID_INPUT;
+    if (device->IsVf()) return DK_SML_ERROR_NOT_SUPPORTED;
+    for (uint32_t unit = 0; unit < c_pmbusUnitCount; ++unit) {
+        rails->status[unit] = DK_SML_SUCCESS;
+        rails->info[unit] = DkSmlPmbusInfo{};
+    }
+    // Voltage, current, power: a rail takes the first failure in this order,
+    // as GetDiePmbusInfo stops at it.
+    constexpr std::pair<dravik_smi_opcode, uint32_t DkSmlPmbusInfo::*> c_files[] = {
+        {DRAVIK_SMI_SHOWPMBUSVOL, &DkSmlPmbusInfo::voltage},
+        {DRAVIK_SMI_SHOWPMBUSCUR, &DkSmlPmbusInfo::current},
+        {DRAVIK_SMI_SHOWPMBUSPOWER, &DkSmlPmbusInfo::power}};
+    for (const auto& [op, member] : c_files) {
+        std::string& text = ScratchText();
+        DkPmbusFileValues values;
+        DkSmlReturn result = device->FetchDriverData(dieId, op, text);
+        if (result == DK_SML_SUCCESS) result = ParsePmbusText(text, values);
+        for (uint32_t unit = 0; unit < c_pmbusUnitCount; ++unit) {
+            if (rails->status[unit] != DK_SML_SUCCESS) continue;
+            if (result != DK_SML_SUCCESS) rails->status[unit] = result;
+            else if (!values.found[unit]) rails->status[unit] = DK_SML_ERROR_NOT_SUPPORTED;
+            else rails->info[unit].*member = values.value[unit];
+        }
+    }
+    return DK_SML_SUCCESS;
 }
 
 DkSmlReturn DkPower::GetPmbusInfo(IDkDevice* device, DkSmlPmbusUnit unit, DkSmlPmbusInfo* info) {

@@ -13,9 +13,23 @@ namespace dksml {
 
 class IDkDevice;
 
+// PMBus units (rails) a die reports, DK_SML_PMBUS_UNIT_SOC ... _PCIE2.
+inline constexpr uint32_t c_pmbusUnitCount = 6;
+
+// Every rail of a die; status[u] and info[u] are what GetDiePmbusInfo answers
+// for unit u.
+struct DkDiePmbusRails {
+    DkSmlReturn status[c_pmbusUnitCount];
+    DkSmlPmbusInfo info[c_pmbusUnitCount];
+};
+
 class DkPower {
 public:
     virtual ~DkPower() = default;
+
+    // Every rail of the die from one read of each of the three PMBus files,
+    // for callers that want them all (a monitoring scrape).
+    DkSmlReturn GetDiePmbusRails(IDkDevice* device, unsigned int dieId, DkDiePmbusRails* rails);
 
     virtual DkSmlReturn GetPmbusInfo(IDkDevice* device, DkSmlPmbusUnit unit, DkSmlPmbusInfo* info);
     virtual DkSmlReturn GetDiePmbusInfo(IDkDevice* device, unsigned int dieId, DkSmlPmbusUnit unit, DkSmlPmbusInfo* info);

@@ -39,6 +39,21 @@ DkSmlReturn UnreadableNumber(std::string_view text) {
     return detail::ContainsNotSupport(text) ? DK_SML_ERROR_NOT_SUPPORTED : DK_SML_ERROR_SYSFS;
 }
 
+// Mean of the first "showuse" line whose key names the engine.
+DkSmlReturn UsageInText(std::string_view text, const DkUsageIpName& entry, int32_t& usage) {
+    bool found = false;
+    int32_t average = 0;
+    const DkSmlReturn result = ScanKeyValueLines(text, [&](std::string_view key, std::string_view samples) {
+        if (found || key.find(entry.fragment) == std::string_view::npos) return;
+        average = DkUtilization::GetAverageUsage(samples);
+        found = true;
+    });
+    if (result != DK_SML_SUCCESS) return result;
+    if (!found) return DK_SML_ERROR_NOT_SUPPORTED;
+    usage = average;
+    return DK_SML_SUCCESS;
+}
+
 }  // namespace
 
 int32_t DkUtilization::GetAverageUsage(std::string_view samples) {
@@ -85,18 +100,22 @@ DkSmlReturn DkUtilization::GetDieUsage(IDkDevice* device, unsigned int dieId, Dk
     if (entry == nullptr) return DK_SML_ERROR_INVALID_INPUT;
 
     std::string& text = ScratchText();
-    DkSmlReturn result = device->FetchDriverData(dieId, DRAVIK_SMI_SHOWUSE, text);
+    const DkSmlReturn result = device->FetchDriverData(dieId, DRAVIK_SMI_SHOWUSE, text);
     if (result != DK_SML_SUCCESS) return result;
-    bool found = false;
-    int32_t average = 0;
-    result = ScanKeyValueLines(text, [&](std::string_view key, std::string_view samples) {
-        if (found || key.find(entry->fragment) == std::string_view::npos) return;
-        average = GetAverageUsage(samples);
-        found = true;
-    });
-    if (result != DK_SML_SUCCESS) return result;
-    if (!found) return DK_SML_ERROR_NOT_SUPPORTED;
-    *usage = average;
+    return UsageInText(text, *entry, *usage);
+}
+
+DkSmlReturn DkUtilization::GetDieUsages(IDkDevice* device, unsigned int dieId, DkDieUsage* usage) {
+    if (device == nullptr || usage == nullptr) return DK_SML_ERROR_INVALID_INPUT;
+    std::string& text = ScratchText();
+    const DkSmlReturn fetched = device->FetchDriverData(dieId, DRAVIK_SMI_SHOWUSE, text);
+    for (const DkUsageIpName& entry : c_usageIpName) {
+        usage->percent[entry.ip] = 0;
+        usage->status[entry.ip] = fetched != DK_SML_SUCCESS ? fetched : UsageInText(text, entry, usage->percent[entry.ip]);
+    }
+    // Last: it reads into the same scratch text.
+    usage->percent[DK_SML_USAGE_IP_XCORE] = 0;
+    usage->status[DK_SML_USAGE_IP_XCORE] = GetXcoreUsage(device, dieId, &usage->percent[DK_SML_USAGE_IP_XCORE]);
     return DK_SML_SUCCESS;
 }
 

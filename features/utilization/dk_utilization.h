@@ -11,9 +11,20 @@ namespace dksml {
 
 class IDkDevice;
 
+// Usage of every engine of a die, by DkSmlUsageIp; status[ip] and percent[ip]
+// are what GetDieUsage answers for that engine.
+struct DkDieUsage {
+    DkSmlReturn status[DK_SML_USAGE_IP_XCORE + 1];
+    int32_t percent[DK_SML_USAGE_IP_XCORE + 1];
+};
+
 class DkUtilization {
 public:
     virtual ~DkUtilization() = default;
+
+    // Every engine of the die from one read of "showuse" and one of
+    // "showxcuse", for callers that want them all (a monitoring scrape).
+    DkSmlReturn GetDieUsages(IDkDevice* device, unsigned int dieId, DkDieUsage* usage);
 
     virtual DkSmlReturn GetMemoryInfo(IDkDevice* device, DkSmlMemoryInfo* info);
     virtual DkSmlReturn GetDieMemoryInfo(IDkDevice* device, unsigned int dieId, DkSmlMemoryInfo* info);

@@ -2,6 +2,7 @@
 #include "features/version/dk_version.h"
 
 #include <string>
+#include <utility>
 
 #include "core/idk_device.h"
 #include "driver/dk_text.h"
@@ -65,12 +66,59 @@ DkSmlReturn DkVersion::GetDieVersion(IDkDevice* device, unsigned int dieId, DkSm
     result = GetVersionInfo(*device, dieId, DRAVIK_SMI_SHOWDRIVERVERSION, version->driverVersion, &size);
     if (result != DK_SML_SUCCESS) return result;
 
+    return GetStackVersion(device, version->vornVersion, DK_SML_VERSION_LENGTH);
+}
+
+DkSmlReturn DkVersion::GetStackVersion(IDkDevice* device, char* buffer, uint32_t size) {
+    if (device == nullptr || buffer == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     switch (StackOfBrand(device->GetDeviceBrand())) {
-        case DkStack::Dkq: return GetDkqVornVersion(version->vornVersion, DK_SML_VERSION_LENGTH);
-        case DkStack::Dkk: return GetDkkVornVersion(version->vornVersion, DK_SML_VERSION_LENGTH);
+        case DkStack::Dkq: return GetDkqVornVersion(buffer, size);
+        case DkStack::Dkk: return GetDkkVornVersion(buffer, size);
         case DkStack::None: break;
     }
     return DK_SML_ERROR_NOT_SUPPORTED;
+}
+
+DkSmlReturn DkVersion::GetDieVersionTexts(IDkDevice* device, unsigned int dieId, DkDieVersionTexts* texts) {
+    if (device == nullptr || texts == nullptr) return DK_SML_ERROR_INVALID_INPUT;
+    DkSmlVersion& record = texts->record;
+    PutText(c_unknown, record.vbiosVersion, DK_SML_VERSION_LENGTH);
+    PutText(c_unknown, record.driverVersion, DK_SML_VERSION_LENGTH);
+    PutText(c_unknown, record.vornVersion, DK_SML_VERSION_LENGTH);
+    InitFirmwareRecord(record.fwVersion);
+
+    // "showfwinfo" first and done with before the other reads reuse the text.
+    std::string* text = nullptr;
+    const DkSmlReturn fetched = FetchVersionText(*device, dieId, DRAVIK_SMI_SHOWFWINFO, text);
+    for (uint32_t unit = DK_SML_VERSION_FW_SMP0; unit < c_versionUnitCount; ++unit) {
+        char* buffer = texts->unit[unit];
+        uint32_t size = DK_SML_VERSION_LENGTH;
+        PutText(c_unknown, buffer, size);
+        const std::string_view key = FwUnitKey(static_cast<DkSmlVersionUnit>(unit));
+        std::string_view value;
+        DkSmlReturn& status = texts->unitStatus[unit];
+        if (key.empty()) status = DK_SML_ERROR_INVALID_INPUT;
+        else if (fetched != DK_SML_SUCCESS) status = fetched;
+        else if ((status = FindFirmwareValue(*text, key, value)) == DK_SML_SUCCESS)
+            status = CopyVersionValue(value, buffer, &size);
+    }
+    texts->recordStatus = fetched == DK_SML_SUCCESS ? FillFirmwareRecord(*text, record.fwVersion) : fetched;
+
+    for (const auto& [unit, op] : {std::pair{DK_SML_VERSION_VBIOS, DRAVIK_SMI_SHOWVBIOS},
+                                   std::pair{DK_SML_VERSION_DRIVER, DRAVIK_SMI_SHOWDRIVERVERSION}}) {
+        uint32_t size = DK_SML_VERSION_LENGTH;
+        texts->unitStatus[unit] = GetVersionInfo(*device, dieId, op, texts->unit[unit], &size);
+    }
+    // The record reads VBIOS, then driver, after the firmware, stopping at the first failure.
+    if (texts->recordStatus == DK_SML_SUCCESS) {
+        PutText(texts->unit[DK_SML_VERSION_VBIOS], record.vbiosVersion, DK_SML_VERSION_LENGTH);
+        texts->recordStatus = texts->unitStatus[DK_SML_VERSION_VBIOS];
+    }
+    if (texts->recordStatus == DK_SML_SUCCESS) {
+        PutText(texts->unit[DK_SML_VERSION_DRIVER], record.driverVersion, DK_SML_VERSION_LENGTH);
+        texts->recordStatus = texts->unitStatus[DK_SML_VERSION_DRIVER];
+    }
+    return DK_SML_SUCCESS;
 }
 
 DkSmlReturn DkVersion::GetDieUnitVersion(IDkDevice* device, unsigned int dieId, DkSmlVersionUnit unit, char* buffer,

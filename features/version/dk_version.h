@@ -11,9 +11,30 @@ namespace dksml {
 
 class IDkDevice;
 
+// Units DK_SML_VERSION_VBIOS ... DK_SML_VERSION_FW_VR1.
+inline constexpr uint32_t c_versionUnitCount = DK_SML_VERSION_FW_VR1 + 1;
+
+// A die's versions: unit[u] and unitStatus[u] are what GetDieUnitVersion
+// answers for unit u into DK_SML_VERSION_LENGTH characters; record and
+// recordStatus what GetDieVersion answers short of its last step, the
+// compute-stack version (GetStackVersion), which stays "unknown".
+struct DkDieVersionTexts {
+    DkSmlReturn unitStatus[c_versionUnitCount];
+    char unit[c_versionUnitCount][DK_SML_VERSION_LENGTH];
+    DkSmlReturn recordStatus;
+    DkSmlVersion record;
+};
+
 class DkVersion {
 public:
     virtual ~DkVersion() = default;
+
+    // Every version of the die from one read of each attribute, for callers
+    // that want them all (a monitoring scrape).
+    DkSmlReturn GetDieVersionTexts(IDkDevice* device, unsigned int dieId, DkDieVersionTexts* texts);
+    // Version of the compute stack the device's brand ships (a host-wide
+    // answer: the same for every device of a brand).
+    DkSmlReturn GetStackVersion(IDkDevice* device, char* buffer, uint32_t size);
 
     virtual DkSmlReturn GetVersion(IDkDevice* device, DkSmlVersion* version);
     virtual DkSmlReturn GetDieVersion(IDkDevice* device, unsigned int dieId, DkSmlVersion* version);

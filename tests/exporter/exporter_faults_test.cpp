@@ -49,6 +49,8 @@ TEST_F(ExporterFaults, ABadAttributeFileRemovesOnlyItsSeriesAndCountsAnError) {
         {"showclocks", "xcore clock: fast\n", "dksml_clock_megahertz", "clocks"},
         {"pmdecsrc", "pmdecsrc: \x01\x02zz\n", "dksml_clock_throttle_reasons_mask", "throttle"},
         {"showtemp", nullptr, "dksml_temperature_celsius", "temperature"},
+        {"showperflevel", "xcore: fast\n", "dksml_perf_level", "perf_levels"},
+        {"showpmbuscur", nullptr, "dksml_pmbus_amperes", "power"},
     };
     for (const BadFile& bad : cases) {
         SCOPED_TRACE(std::string(bad.file) + (bad.content ? " garbled" : " removed"));

@@ -47,6 +47,11 @@ private:
     uint32_t m_count = 0;
 };
 
+// Status of one value of a record: the record's own when reading it failed.
+inline DkSmlReturn Either(DkSmlReturn record, DkSmlReturn value) {
+    return record != DK_SML_SUCCESS ? record : value;
+}
+
 using FamilyCollector = void (*)(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors);
 
 struct FamilyRow {

@@ -1,8 +1,10 @@
 // Performance levels of every DPM domain of every die, and the versions of
-// the GPU's driver, VBIOS, compute stack and firmware units.
+// the GPU's driver, VBIOS, compute stack and firmware units: each from one
+// record per die.
 #include <array>
 #include <string>
 
+#include "die_readers.h"
 #include "families.h"
 
 namespace dksml::exporter {
@@ -29,50 +31,51 @@ constexpr FirmwareUnit kFirmwareUnits[] = {
     {DK_SML_VERSION_FW_MCU, "MCU"},   {DK_SML_VERSION_FW_VR0, "VR0"},   {DK_SML_VERSION_FW_VR1, "VR1"},
 };
 
-bool UnitVersion(uint32_t index, DkSmlVersionUnit unit, std::string& version, FamilyErrors& errors) {
-    char text[DK_SML_VERSION_LENGTH] = {};
-    uint32_t size = sizeof text;
-    if (!errors.Ok(dkSmlGetDeviceVersion(index, unit, text, &size))) return false;
-    text[sizeof text - 1] = '\0';
-    version = text;
-    return true;
-}
-
 }  // namespace
 
 void CollectPerfLevels(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors) {
     for (const GpuTarget& gpu : context.gpus)
-        for (uint32_t die = 0; die < gpu.dieCount; ++die)
+        for (uint32_t die = 0; die < gpu.dieCount; ++die) {
+            DkDpmDieLevels levels{};
+            const DkSmlReturn read = ReadDieDpmLevels(gpu.index, die, levels);
             for (uint32_t ip = 0; ip < DK_SML_DPM_IP_COUNT; ++ip) {
-                const auto domain = static_cast<DkSmlDpmIp>(ip);
                 const LabelList labels = WithLabels(DieLabels(gpu, die), {{"ip", kDpmIpNames[ip]}});
-                uint32_t level = 0;
                 // A domain the die lacks has no current level, and its maximum
-                // is refused as an invalid domain: ask only where there is one.
-                if (!errors.Ok(dkSmlGetCurrentDieDpmIpPerfLevel(gpu.index, die, domain, &level))) continue;
-                sink.Add(kPerfLevel, WithLabels(labels, {{"kind", "current"}}), level);
-                if (errors.Ok(dkSmlGetDieDpmIpMaxPerfLevel(gpu.index, die, domain, &level)))
-                    sink.Add(kPerfLevel, WithLabels(labels, {{"kind", "max"}}), level);
+                // is refused as an invalid domain: take it only where there is one.
+                if (!errors.Ok(Either(read, levels.currentStatus[ip]))) continue;
+                sink.Add(kPerfLevel, WithLabels(labels, {{"kind", "current"}}), levels.current[ip]);
+                if (errors.Ok(levels.maxStatus[ip]))
+                    sink.Add(kPerfLevel, WithLabels(labels, {{"kind", "max"}}), levels.max[ip]);
             }
+        }
 }
 
 void CollectVersions(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors) {
+    StackVersions stacks;
     for (const GpuTarget& gpu : context.gpus) {
+        DkDieVersionTexts texts{};
+        const DkSmlReturn read = ReadDieVersionTexts(gpu.index, 0, texts);
+        auto unitVersion = [&](DkSmlVersionUnit unit, std::string& version) {
+            if (!errors.Ok(Either(read, texts.unitStatus[unit]))) return false;
+            char* text = texts.unit[unit];
+            text[DK_SML_VERSION_LENGTH - 1] = '\0';
+            version = text;
+            return true;
+        };
         std::string driver, vbios;
-        const bool hasDriver = UnitVersion(gpu.index, DK_SML_VERSION_DRIVER, driver, errors);
-        const bool hasVbios = UnitVersion(gpu.index, DK_SML_VERSION_VBIOS, vbios, errors);
-        DkSmlVersion record{};
-        std::string computeStack;
-        if (errors.Ok(dkSmlGetDeviceDieVersion(gpu.index, 0, &record))) {
-            record.vornVersion[sizeof record.vornVersion - 1] = '\0';
-            computeStack = record.vornVersion;
-        }
+        const bool hasDriver = unitVersion(DK_SML_VERSION_DRIVER, driver);
+        const bool hasVbios = unitVersion(DK_SML_VERSION_VBIOS, vbios);
+        // The record answers only when every part of it does, the stack's version last.
+        std::string computeStack, stack;
+        DkSmlReturn record = Either(read, texts.recordStatus);
+        if (record == DK_SML_SUCCESS) record = stacks.Get(gpu.index, stack);
+        if (errors.Ok(record)) computeStack = stack;
         if (hasDriver || hasVbios || !computeStack.empty())
             sink.Add(kVersions,
                      WithLabels(gpu.labels, {{"driver", driver}, {"vbios", vbios}, {"compute_stack", computeStack}}), 1);
         for (const FirmwareUnit& unit : kFirmwareUnits) {
             std::string version;
-            if (UnitVersion(gpu.index, unit.unit, version, errors))
+            if (unitVersion(unit.unit, version))
                 sink.Add(kFirmware, WithLabels(gpu.labels, {{"unit", unit.name}, {"version", version}}), 1);
         }
     }

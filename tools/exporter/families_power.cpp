@@ -2,6 +2,7 @@
 // every die; converted from the driver's milli-units to base units.
 #include <array>
 
+#include "die_readers.h"
 #include "families.h"
 
 namespace dksml::exporter {
@@ -50,9 +51,11 @@ void CollectPower(const ScrapeContext& context, MetricSink& sink, FamilyErrors& 
         uint32_t limit = 0;
         if (errors.Ok(dkSmlGetBoardPowerLimit(gpu.index, &limit))) sink.Add(kLimit, gpu.labels, limit / 1000.0);
         for (uint32_t die = 0; die < gpu.dieCount; ++die) {
+            DkDiePmbusRails rails{};
+            const DkSmlReturn read = ReadDiePmbusRails(gpu.index, die, rails);
             for (const Rail& rail : kRails) {
-                DkSmlPmbusInfo info{};
-                if (!errors.Ok(dkSmlGetDiePmbusInfo(gpu.index, die, rail.unit, &info))) continue;
+                if (!errors.Ok(Either(read, rails.status[rail.unit]))) continue;
+                const DkSmlPmbusInfo& info = rails.info[rail.unit];
                 // PMBus: voltage mV, current mA, power W.
                 const LabelList labels = WithLabels(DieLabels(gpu, die), {{"rail", rail.name}});
                 sink.Add(kRailVoltage, labels, info.voltage / 1000.0);

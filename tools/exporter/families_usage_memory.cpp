@@ -1,6 +1,7 @@
 // Engine usage of every die and the memory pools of every die.
 #include <array>
 
+#include "die_readers.h"
 #include "families.h"
 
 namespace dksml::exporter {
@@ -27,12 +28,15 @@ constexpr std::array<const char*, DK_SML_MEMORY_POOLS> kPools{"vram", "visible_v
 
 void CollectUsage(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors) {
     for (const GpuTarget& gpu : context.gpus)
-        for (uint32_t die = 0; die < gpu.dieCount; ++die)
+        for (uint32_t die = 0; die < gpu.dieCount; ++die) {
+            DkDieUsage usage{};
+            const DkSmlReturn read = ReadDieUsages(gpu.index, die, usage);
             for (const Engine& engine : kEngines) {
-                int32_t usage = 0;
-                if (errors.Ok(dkSmlGetDieIpUsage(gpu.index, die, engine.ip, &usage)) && usage >= 0)
-                    sink.Add(kUsage, WithLabels(DieLabels(gpu, die), {{"engine", engine.name}}), usage);
+                const int32_t percent = usage.percent[engine.ip];
+                if (errors.Ok(Either(read, usage.status[engine.ip])) && percent >= 0)
+                    sink.Add(kUsage, WithLabels(DieLabels(gpu, die), {{"engine", engine.name}}), percent);
             }
+        }
 }
 
 void CollectMemory(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors) {

@@ -40,13 +40,17 @@ bool AbsenceIsAValue(std::string_view metricName) {
 std::span<const FamilyRow> ExporterFamilies() { return c_exporterFamilies; }
 
 LabelList DieLabels(const GpuTarget& gpu, uint32_t die) {
-    LabelList labels = gpu.labels;
+    LabelList labels;
+    labels.reserve(gpu.labels.size() + 4);  // room for the die and the labels added to it
+    labels.insert(labels.end(), gpu.labels.begin(), gpu.labels.end());
     labels.emplace_back("die", std::to_string(die));
     return labels;
 }
 
 LabelList WithLabels(const LabelList& base, const LabelList& extra) {
-    LabelList labels = base;
+    LabelList labels;
+    labels.reserve(base.size() + extra.size());
+    labels.insert(labels.end(), base.begin(), base.end());
     labels.insert(labels.end(), extra.begin(), extra.end());
     return labels;
 }

@@ -1,5 +1,7 @@
 #include "metric_sink.h"
 
+#include <utility>
+
 namespace dksml::exporter {
 
 prometheus::MetricFamily& MetricSink::Family(const MetricSpec& spec) {
@@ -9,10 +11,15 @@ prometheus::MetricFamily& MetricSink::Family(const MetricSpec& spec) {
 }
 
 void MetricSink::Add(const MetricSpec& spec, const LabelList& labels, double value) {
+    Add(spec, LabelList(labels), value);
+}
+
+void MetricSink::Add(const MetricSpec& spec, LabelList&& labels, double value) {
     prometheus::MetricFamily& family = Family(spec);
     prometheus::ClientMetric metric;
     metric.label.reserve(labels.size());
-    for (const auto& [name, text] : labels) metric.label.push_back(prometheus::ClientMetric::Label{name, text});
+    for (auto& [name, text] : labels)
+        metric.label.push_back(prometheus::ClientMetric::Label{std::move(name), std::move(text)});
     if (spec.type == prometheus::MetricType::Counter)
         metric.counter.value = value;
     else

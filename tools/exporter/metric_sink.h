@@ -28,6 +28,8 @@ class MetricSink {
 public:
     // One sample; `labels` are appended after the sink's base labels.
     void Add(const MetricSpec& spec, const LabelList& labels, double value);
+    // The same, taking the label texts over (most series are built for one sample).
+    void Add(const MetricSpec& spec, LabelList&& labels, double value);
 
     // Declares a family without samples (its HELP line appears only once it
     // has a sample: prometheus-cpp drops empty families).

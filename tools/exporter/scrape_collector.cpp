@@ -51,15 +51,31 @@ std::vector<GpuTarget> DiscoverTargets(FamilyErrors& errors) {
     return gpus;
 }
 
-std::string LabelValue(const prometheus::ClientMetric& metric, const char* name) {
+const std::string& LabelValue(const prometheus::ClientMetric& metric, const char* name) {
+    static const std::string c_none;
     for (const prometheus::ClientMetric::Label& label : metric.label)
         if (label.name == name) return label.value;
-    return "";
+    return c_none;
 }
 
-std::string PresenceKey(const char* family, const std::string& metricName, const prometheus::ClientMetric& metric) {
-    return std::string(family) + "|" + LabelValue(metric, "bus_id") + "|" + LabelValue(metric, "die") + "|" +
-           metricName;
+// Notes the series groups ("family|bus_id|die|metric") of the sink's metric
+// families from `first` on. A family's series come GPU by GPU and die by die,
+// so a key is made only where bus id or die change.
+void NotePresent(const char* family, const std::vector<prometheus::MetricFamily>& families, size_t first,
+                 std::set<std::string>& present) {
+    for (size_t f = first; f < families.size(); ++f) {
+        if (AbsenceIsAValue(families[f].name)) continue;
+        const std::string* lastBusId = nullptr;
+        const std::string* lastDie = nullptr;
+        for (const prometheus::ClientMetric& metric : families[f].metric) {
+            const std::string& busId = LabelValue(metric, "bus_id");
+            const std::string& die = LabelValue(metric, "die");
+            if (lastBusId != nullptr && *lastBusId == busId && *lastDie == die) continue;
+            present.insert(std::string(family) + "|" + busId + "|" + die + "|" + families[f].name);
+            lastBusId = &busId;
+            lastDie = &die;
+        }
+    }
 }
 
 // Parts of a presence key: family and bus id.
@@ -119,9 +135,7 @@ CollectionResult CollectAll(const ScrapeSettings& settings) {
             errors.Count();
         }
         result.errors[row.family] = errors.Total();
-        for (size_t f = firstFamily; f < sink.Families().size(); ++f)
-            for (const prometheus::ClientMetric& metric : sink.Families()[f].metric)
-                if (!AbsenceIsAValue(sink.Families()[f].name)) result.present.insert(PresenceKey(row.family, sink.Families()[f].name, metric));
+        NotePresent(row.family, sink.Families(), firstFamily, result.present);
     }
     for (const GpuTarget& gpu : gpus) result.busIds.insert(gpu.info.bdfId);
     result.families = sink.Take();
