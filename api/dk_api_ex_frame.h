@@ -16,7 +16,9 @@
 namespace dksml {
 
 inline DkSmlExDevice ToHandle(const DkDieInfo* die) {
-    return reinterpret_cast<DkSmlExDevice>(static_cast<uintptr_t>(die->handle));
+    // The handle is an opaque number the caller only passes back; the pointer
+    // type is the C interface's, and nothing ever dereferences it.
+    return reinterpret_cast<DkSmlExDevice>(static_cast<uintptr_t>(die->handle));  // NOLINT(performance-no-int-to-ptr)
 }
 
 inline DkSmlExReturn ExFromNative(DkSmlReturn code) {

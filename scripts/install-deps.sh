@@ -12,6 +12,7 @@ packages=(
   prometheus-cpp-dev prometheus
 )
 [[ "${DKSML_WITH_FUZZ:-0}" == 1 ]] && packages+=(clang libclang-rt-14-dev)
+[[ "${DKSML_WITH_LINT:-0}" == 1 ]] && packages+=(clang-tidy)
 
 missing=()
 for p in "${packages[@]}"; do

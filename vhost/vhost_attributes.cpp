@@ -262,8 +262,8 @@ std::string LinkWidth(const DieContext&) { return "16\n"; }
 
 std::string UpstreamBandwidth(const DieContext& c) {
     const int traffic = 1200 + 150 * Vary(c, 7);
-    return Line("rx bytes", traffic * 1024LL) + Line("tx bytes", traffic * 640LL) + Line("rx packets", traffic * 4) +
-           Line("tx packets", traffic * 3) + Line("max payload", 256) + Line("replay count", 0);
+    return Line("rx bytes", traffic * 1024LL) + Line("tx bytes", traffic * 640LL) + Line("rx packets", traffic * 4LL) +
+           Line("tx packets", traffic * 3LL) + Line("max payload", 256) + Line("replay count", 0);
 }
 
 std::string VmType(const DieContext& c) { return c.virtualMachine ? "guest\n" : "host\n"; }

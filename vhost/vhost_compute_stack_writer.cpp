@@ -20,7 +20,7 @@ constexpr const char* c_runtimeTarget = "opt/vorn/lib/libvrruntime.so";
 constexpr const char* c_sdkTarget = "opt/dkq7/lib/libdksdk.so";
 
 std::string VariantOf(const nlohmann::json& section, const char* key, const std::set<std::string>& allowed) {
-    const std::string variant = section.value(key, std::string("absent"));
+    std::string variant = section.value(key, std::string("absent"));
     if (!allowed.contains(variant))
         throw std::runtime_error(std::string("profile: compute_stack.") + key + ": unknown variant \"" + variant + "\"");
     return variant;

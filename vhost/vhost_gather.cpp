@@ -313,7 +313,7 @@ private:
         m_nodes.insert(hostPath);
         const fs::path placed = Output(hostPath);
         fs::create_directories(placed.parent_path());
-        std::ofstream(placed, std::ios::trunc);
+        std::ofstream emptyFile(placed, std::ios::trunc);
         Record("node", hostPath, "empty stand-in");
     }
 

@@ -1,5 +1,5 @@
-// Both status tables: every code's text, the fallbacks for unknown codes, and
-// the deliberate oddities (reserved names out of order, a shared text).
+// Both status tables: every code's text (the reserved names out of order and
+// the shared texts included) and the fallbacks for unknown codes.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -101,22 +101,6 @@ TEST(StatusTextTest, UnknownCompatCodesGetAnEmptyNonNullText) {
         ASSERT_NE(text, nullptr) << "code " << code;
         EXPECT_STREQ(text, "") << "code " << code;
     }
-}
-
-TEST(StatusTextTest, ReservedCodesKeepTheirHistoricalNames) {
-    EXPECT_EQ(NativeText(DK_SML_RESERVED3), "Reserved3");
-    EXPECT_EQ(NativeText(DK_SML_RESERVED1), "Reserved1");
-    EXPECT_EQ(NativeText(DK_SML_RESERVED2), "Reserved2");
-    EXPECT_EQ(DK_SML_RESERVED3, 11);
-    EXPECT_EQ(DK_SML_RESERVED1, 16);
-}
-
-TEST(StatusTextTest, CompatCodes23And24ShareOneText) {
-    EXPECT_STREQ(CompatText(23), CompatText(24));
-}
-
-TEST(StatusTextTest, NativeSizeTextMatchesCompatSizeText) {
-    EXPECT_EQ(NativeText(DK_SML_ERROR_INSUFFICIENT_SIZE), CompatText(DK_SML_EX_ERROR_INSUFFICIENT_SIZE));
 }
 
 // Callers keep the pointers: they must not move between calls.

@@ -2,9 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <functional>
 #include <cmath>
 #include <optional>
 #include <string>
+#include <type_traits>
 
 #include "driver/dk_text.h"
 #include "dk_driver_test_util.h"
@@ -68,24 +70,35 @@ TEST(Conversions, MatchTheStandardOnes) {
     }
 }
 
-TEST(Conversions, StoiThrows3OnlyForNotSupport) {
-    EXPECT_EQ(ThrownCode([] { (void)stoi("not support"); }), 3);
-    EXPECT_EQ(ThrownCode([] { (void)stoi("gfx not supported"); }), 3);
-    EXPECT_EQ(ThrownCode([] { (void)stoi("abc"); }), 4);
-    EXPECT_EQ(ThrownCode([] { (void)stoi("99999999999"); }), 4);
-    EXPECT_EQ(ThrownCode([] { (void)stoi("99999999999 not support"); }), 3);
-    EXPECT_EQ(ThrownCode([] { (void)stoul("not support"); }), 4);
-    EXPECT_EQ(stoi("12 not support"), 12);
-    EXPECT_EQ(ThrownCode([] { (void)stoi("5", 1); }), 4);  // invalid base
-}
-
-TEST(Conversions, BaseZero) {
-    EXPECT_EQ(stoi("0x10", 0), 16);
-    EXPECT_EQ(stoi("010", 0), 8);
-    EXPECT_EQ(stoi("10", 0), 10);
-    EXPECT_EQ(stoi("-0x10", 0), -16);
-    EXPECT_EQ(stoi("08", 0), 0);  // octal stops at 8
-    EXPECT_EQ(stoul("0xffffffffff", 0), 0xffffffffffUL);
+// The throwing conversions: 3 only for the driver's "not support" marker, 4
+// for any other failure. Unqualified calls with std::string arguments must
+// reach dksml's functions, not std::stoi & co. found by argument-dependent lookup.
+TEST(Conversions, ThrowingFormsAndBaseZero) {
+    std::string bad = "x", hex = "1f";  // non-const, as the library's callers hold them
+    const struct {
+        std::function<long()> call;
+        int code;  // -1: returns `value`
+        long value;
+    } cases[] = {
+        {[] { return stoi("not support"); }, 3, 0}, {[] { return stoi("gfx not supported"); }, 3, 0},
+        {[] { return stoi("abc"); }, 4, 0}, {[] { return stoi("99999999999"); }, 4, 0},
+        {[] { return stoi("99999999999 not support"); }, 3, 0},
+        {[] { return static_cast<long>(stoul("not support")); }, 4, 0},
+        {[] { return stoi("12 not support"); }, -1, 12}, {[] { return stoi("5", 1); }, 4, 0},  // invalid base
+        {[] { return stoi("0x10", 0); }, -1, 16}, {[] { return stoi("010", 0); }, -1, 8},
+        {[] { return stoi("-0x10", 0); }, -1, -16}, {[] { return stoi("08", 0); }, -1, 0},  // octal stops at 8
+        {[] { return static_cast<long>(stoul("0xffffffffff", 0)); }, -1, 0xffffffffffL},
+        {[&] { return stoi(bad); }, 4, 0}, {[] { return stoi(std::string("not support")); }, 3, 0},
+        {[&] { return static_cast<long>(stoul(bad)); }, 4, 0}, {[&] { return stol(bad); }, 4, 0},
+        {[&] { return static_cast<long>(stof(bad)); }, 4, 0}, {[&] { return stoi(hex, 16); }, -1, 31},
+    };
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
+        long value = 0;
+        EXPECT_EQ(ThrownCode([&] { value = cases[i].call(); }), cases[i].code) << "case " << i;
+        if (cases[i].code < 0) {
+            EXPECT_EQ(value, cases[i].value) << "case " << i;
+        }
+    }
 }
 
 TEST(Conversions, StouiNtTruncatesOnPurpose) {
@@ -113,77 +126,68 @@ TEST(Conversions, EmbeddedNulAndLongText) {
 
 // --- throwing readers ---------------------------------------------------------
 
+// One reader applied to one text: the code it throws (-1 for none) and, on
+// success, the value it stored, as text.
+struct ReaderCase {
+    const char* text;
+    std::function<std::string(DkTextLines&)> read;
+    int code;
+    const char* value;
+};
+
 template <typename T, typename Fn>
-std::pair<int, T> Read(const char* text, Fn&& fn, T init) {
-    DkTextLines lines(text);
-    T value = init;
-    const int code = ThrownCode([&] { fn(lines, value); });
-    return {code, value};
+std::function<std::string(DkTextLines&)> Reader(Fn fn) {
+    return [fn](DkTextLines& lines) {
+        T value{};
+        fn(lines, value);
+        if constexpr (std::is_same_v<T, std::string>) return value;
+        else return std::to_string(value);
+    };
 }
 
-TEST(GetValue, UnsignedShort) {
-    auto get = [](DkTextLines& l, unsigned short& v) { GetValue(l, v); };
-    EXPECT_EQ(Read<unsigned short>("x: 65535\n", get, 1), std::make_pair(-1, (unsigned short)65535));
-    EXPECT_EQ(Read<unsigned short>("x: 70000\n", get, 1).first, 4);
-    EXPECT_EQ(Read<unsigned short>("x: -1\n", get, 1).first, 4);
-    EXPECT_EQ(Read<unsigned short>("x: not support\n", get, 1).first, 3);
-    EXPECT_EQ(Read<unsigned short>("", get, 1).first, 4);
-    EXPECT_EQ(Read<unsigned short>("123\n", get, 1), std::make_pair(-1, (unsigned short)123));
-}
-
-TEST(GetValue, UnsignedIntWithBaseNeedsAColon) {
-    auto hex = [](DkTextLines& l, unsigned int& v) { GetValue(l, v, 16); };
-    EXPECT_EQ(Read<unsigned int>("id: 1f\n", hex, 0), std::make_pair(-1, 0x1Fu));
-    EXPECT_EQ(Read<unsigned int>("id: 0x1f\n", hex, 0), std::make_pair(-1, 0x1Fu));
-    EXPECT_EQ(Read<unsigned int>("1f\n", hex, 0).first, 4);
-    auto dec = [](DkTextLines& l, unsigned int& v) { GetValue(l, v, 10); };
-    EXPECT_EQ(Read<unsigned int>("v: -1\n", dec, 0), std::make_pair(-1, 4294967295u));
-    EXPECT_EQ(Read<unsigned int>("v: 4294967295\n", dec, 0).first, 4);  // stoi range
-}
-
-TEST(GetValue, OtherTypes) {
-    auto geti = [](DkTextLines& l, int& v) { GetValue(l, v); };
-    EXPECT_EQ(Read<int>("t: -12 C\n", geti, 0), std::make_pair(-1, -12));
-    EXPECT_EQ(Read<int>("t: abc\n", geti, 0).first, 4);
-    EXPECT_EQ(Read<int>("t: not support\n", geti, 0).first, 3);
-    auto getl = [](DkTextLines& l, long& v) { GetValue(l, v); };
-    EXPECT_EQ(Read<long>("t: 9000000000\n", getl, 0L), std::make_pair(-1, 9000000000L));
-    EXPECT_EQ(Read<long>("t: not support\n", getl, 0L).first, 4);
-    auto getul = [](DkTextLines& l, unsigned long& v) { GetValue(l, v); };
-    EXPECT_EQ(Read<unsigned long>("t: 18446744073709551615\n", getul, 0UL),
-              std::make_pair(-1, 18446744073709551615UL));
-    auto gets = [](DkTextLines& l, std::string& v) { GetValue(l, v); };
-    EXPECT_EQ(Read<std::string>("name:  gfx a:b \n", gets, ""), std::make_pair(-1, std::string("  gfx a:b ")));
-    EXPECT_EQ(Read<std::string>("whole\n", gets, ""), std::make_pair(-1, std::string("whole")));
-    auto space = [](DkTextLines& l, unsigned int& v) { GetValueSpace(l, v); };
-    EXPECT_EQ(Read<unsigned int>("speed 16\n", space, 0), std::make_pair(-1, 16u));
-    EXPECT_EQ(Read<unsigned int>("16\n", space, 0), std::make_pair(-1, 16u));
-}
-
-TEST(GetValueD, BaseZeroOnTheWholeLine) {
-    auto di = [](DkTextLines& l, int& v) { GetValueD(l, v); };
-    EXPECT_EQ(Read<int>("0x10\n", di, 0), std::make_pair(-1, 16));
-    EXPECT_EQ(Read<int>("010\n", di, 0), std::make_pair(-1, 8));
-    EXPECT_EQ(Read<int>("10\n", di, 0), std::make_pair(-1, 10));
-    EXPECT_EQ(Read<int>("a: 10\n", di, 0).first, 4);  // no colon handling
-    auto du = [](DkTextLines& l, unsigned int& v) { GetValueD(l, v); };
-    EXPECT_EQ(Read<unsigned int>("0xff\n", du, 0), std::make_pair(-1, 255u));
-    auto dul = [](DkTextLines& l, unsigned long& v) { GetValueD(l, v); };
-    EXPECT_EQ(Read<unsigned long>("0x10\n", dul, 5UL), std::make_pair(-1, 0UL));  // base 10
-    EXPECT_EQ(Read<unsigned long>("123456789012\n", dul, 5UL), std::make_pair(-1, 123456789012UL));
+TEST(GetValue, EveryTypeAndForm) {
+    using ushort = unsigned short;
+    using ulong = unsigned long;
+    const auto u16 = Reader<ushort>([](DkTextLines& l, ushort& v) { GetValue(l, v); });
+    const auto hex = Reader<unsigned>([](DkTextLines& l, unsigned& v) { GetValue(l, v, 16); });
+    const auto dec = Reader<unsigned>([](DkTextLines& l, unsigned& v) { GetValue(l, v, 10); });
+    const auto i32 = Reader<int>([](DkTextLines& l, int& v) { GetValue(l, v); });
+    const auto i64 = Reader<long>([](DkTextLines& l, long& v) { GetValue(l, v); });
+    const auto u64 = Reader<ulong>([](DkTextLines& l, ulong& v) { GetValue(l, v); });
+    const auto str = Reader<std::string>([](DkTextLines& l, std::string& v) { GetValue(l, v); });
+    const auto space = Reader<unsigned>([](DkTextLines& l, unsigned& v) { GetValueSpace(l, v); });
+    // GetValueD: base 0 on the whole line (no colon handling); unsigned long in base 10
+    const auto di = Reader<int>([](DkTextLines& l, int& v) { GetValueD(l, v); });
+    const auto du = Reader<unsigned>([](DkTextLines& l, unsigned& v) { GetValueD(l, v); });
+    const auto dul = Reader<ulong>([](DkTextLines& l, ulong& v) { GetValueD(l, v); });
+    const ReaderCase cases[] = {
+        {"x: 65535\n", u16, -1, "65535"}, {"x: 70000\n", u16, 4, ""}, {"x: -1\n", u16, 4, ""},
+        {"x: not support\n", u16, 3, ""}, {"", u16, 4, ""}, {"123\n", u16, -1, "123"}, {"id: 1f\n", hex, -1, "31"},
+        {"id: 0x1f\n", hex, -1, "31"}, {"1f\n", hex, 4, ""},  // a base needs a colon
+        {"v: -1\n", dec, -1, "4294967295"}, {"v: 4294967295\n", dec, 4, ""},  // stoi range
+        {"t: -12 C\n", i32, -1, "-12"}, {"t: abc\n", i32, 4, ""}, {"t: not support\n", i32, 3, ""},
+        {"t: 9000000000\n", i64, -1, "9000000000"}, {"t: not support\n", i64, 4, ""},
+        {"t: 18446744073709551615\n", u64, -1, "18446744073709551615"},
+        {"name:  gfx a:b \n", str, -1, "  gfx a:b "}, {"whole\n", str, -1, "whole"},
+        {"speed 16\n", space, -1, "16"}, {"16\n", space, -1, "16"}, {"0x10\n", di, -1, "16"},
+        {"010\n", di, -1, "8"}, {"10\n", di, -1, "10"}, {"a: 10\n", di, 4, ""}, {"0xff\n", du, -1, "255"},
+        {"0x10\n", dul, -1, "0"}, {"123456789012\n", dul, -1, "123456789012"},
+    };
+    for (const ReaderCase& c : cases) {
+        DkTextLines lines(c.text);
+        std::string value;
+        EXPECT_EQ(ThrownCode([&] { value = c.read(lines); }), c.code) << c.text;
+        if (c.code < 0) {
+            EXPECT_EQ(value, c.value) << c.text;
+        }
+    }
 }
 
 // --- utilities ----------------------------------------------------------------
 
 TEST(Utilities, IsNumber) {
-    EXPECT_TRUE(IsNumber("0"));
-    EXPECT_TRUE(IsNumber("0123456789"));
-    EXPECT_FALSE(IsNumber(""));
-    EXPECT_FALSE(IsNumber("-1"));
-    EXPECT_FALSE(IsNumber("+1"));
-    EXPECT_FALSE(IsNumber(" 1"));
-    EXPECT_FALSE(IsNumber("1 "));
-    EXPECT_FALSE(IsNumber("1a"));
+    for (const char* yes : {"0", "0123456789"}) EXPECT_TRUE(IsNumber(yes)) << yes;
+    for (const char* no : {"", "-1", "+1", " 1", "1 ", "1a"}) EXPECT_FALSE(IsNumber(no)) << no;
 }
 
 TEST(Utilities, GetBitState) {
@@ -217,32 +221,6 @@ TEST(Utilities, AddValueForArray) {
     AddValueForArray(u, 2, 10u);
     EXPECT_EQ(u[1], 12u);
 }
-
-}  // namespace
-}  // namespace dksml
-
-namespace dksml {
-namespace {
-
-// Unqualified calls with std::string arguments must reach dksml's functions,
-// not std::stoi & co. found by argument-dependent lookup.
-TEST(Conversions, UnqualifiedCallsWithStdStringThrowDkSmlReturn) {
-    std::string bad = "x";
-    EXPECT_EQ(ThrownCode([&] { (void)stoi(bad); }), 4);
-    EXPECT_EQ(ThrownCode([&] { (void)stoi(std::string("not support")); }), 3);
-    EXPECT_EQ(ThrownCode([&] { (void)stoul(bad); }), 4);
-    EXPECT_EQ(ThrownCode([&] { (void)stol(bad); }), 4);
-    EXPECT_EQ(ThrownCode([&] { (void)stof(bad); }), 4);
-    std::string hex = "1f";
-    EXPECT_EQ(stoi(hex, 16), 31);
-    EXPECT_EQ(stoi("0x10", 0), 16);
-}
-
-}  // namespace
-}  // namespace dksml
-
-namespace dksml {
-namespace {
 
 // Found by the fuzz targets.
 TEST(FuzzRegressions, DefaultConstructedViewAndWrappingAdd) {

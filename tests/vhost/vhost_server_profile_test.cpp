@@ -1,6 +1,6 @@
 // The server profile is the machine most library tests run on; these are the
-// facts they rely on.
-#include <algorithm>
+// facts of its tree the virtual host derives (the devices themselves, as the
+// library sees them, are pinned by dksmi's golden transcripts).
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -28,48 +28,11 @@ protected:
     static std::string Read(const std::string& hostPath) { return s_host->ReadFile(hostPath); }
     static std::string Device(const std::string& busId) { return "/sys/bus/pci/devices/" + busId; }
     static bool Exists(const std::string& hostPath) { return fs::exists(s_host->Path(hostPath)); }
-    static std::string DriverOf(const std::string& busId) {
-        const fs::path link = s_host->Path(Device(busId) + "/driver");
-        return fs::exists(link) ? fs::canonical(link).filename().string() : "";
-    }
-
-    // Bus id of every layout node's "location", by node directory.
-    static std::set<std::string> LayoutLocations() {
-        std::set<std::string> locations;
-        for (const auto& node : fs::directory_iterator(s_host->Path("/sys/class/dravik/dkcd/layout/nodes"))) {
-            std::string location = Read("/sys/class/dravik/dkcd/layout/nodes/" + node.path().filename().string() + "/location");
-            if (!location.empty()) locations.insert(location.substr(0, location.size() - 1));
-        }
-        return locations;
-    }
 
     static ScopedHost* s_host;
 };
 
 ScopedHost* ServerProfile::s_host = nullptr;
-
-bool IsMakerVendor(const std::string& vendor) { return vendor == "0x1e27\n" || vendor == "0x1e28\n"; }
-
-TEST_F(ServerProfile, FiveUsablePhysicalDevicesOneLimitedTwoVirtualFunctions) {
-    const std::set<std::string> located = LayoutLocations();
-    std::vector<std::string> usable, limited, virtualFunctions;
-    for (const auto& entry : fs::directory_iterator(s_host->Path("/sys/bus/pci/devices"))) {
-        const std::string busId = entry.path().filename().string();
-        if (!IsMakerVendor(Read(Device(busId) + "/vendor"))) continue;
-        if (DriverOf(busId) == "DKGVM") {
-            virtualFunctions.push_back(busId);
-            continue;
-        }
-        EXPECT_EQ(DriverOf(busId), "dkcd") << busId;
-        const bool accessible = !Read(Device(busId) + "/smi/pcipowerstate").empty() &&
-                                !Read(Device(busId) + "/smi/showvendorid").empty();
-        (accessible && located.contains(busId) ? usable : limited).push_back(busId);
-    }
-    std::sort(virtualFunctions.begin(), virtualFunctions.end());  // directory order is the file system's
-    EXPECT_EQ(usable.size(), 5u);
-    EXPECT_EQ(limited, std::vector<std::string>{"0000:d8:00.0"});
-    EXPECT_EQ(virtualFunctions, (std::vector<std::string>{"0000:1e:00.1", "0000:1e:00.2"}));
-}
 
 TEST_F(ServerProfile, HostingFunctionListsItsVirtualFunctions) {
     const std::string gpuvf = Read(Device("0000:1e:00.0") + "/gpuvf");
@@ -83,32 +46,6 @@ TEST_F(ServerProfile, HostingFunctionListsItsVirtualFunctions) {
     }
     EXPECT_EQ(Read(Device("0000:1e:00.0") + "/sriov_numvfs"), "2\n");
     EXPECT_FALSE(Exists(Device("0000:1b:00.0") + "/gpuvf"));
-}
-
-TEST_F(ServerProfile, ModelVariations) {
-    EXPECT_EQ(Read(Device("0000:1c:00.0") + "/vendor"), "0x1e28\n");
-    EXPECT_TRUE(Exists(Device("0000:1b:00.0") + "/smi1"));
-    EXPECT_FALSE(Exists(Device("0000:1c:00.0") + "/smi1"));
-    EXPECT_NE(Read(Device("0000:1b:00.0") + "/smi1/showtopology").find("die_id: 1"), std::string::npos);
-
-    const std::string tmp435 = Read(Device("0000:af:00.0") + "/smi/showtemp");
-    EXPECT_NE(tmp435.find("tmp435_u2_remote: "), std::string::npos);
-    EXPECT_EQ(tmp435.find("emclocal"), std::string::npos);
-
-    EXPECT_TRUE(Exists(Device("0000:af:00.0") + "/smi/fan_ctrl"));
-    EXPECT_FALSE(Exists(Device("0000:af:00.0") + "/smi1/fan_ctrl"));
-}
-
-TEST_F(ServerProfile, XpuDeviceReportsSixXpuClockValues) {
-    std::istringstream lines(Read(Device("0000:b0:00.0") + "/smi/showclocks"));
-    int xpuValues = -1;
-    for (std::string line; std::getline(lines, line);) {
-        if (line.rfind("xpu clock:", 0) != 0) continue;
-        std::istringstream values(line.substr(10));
-        xpuValues = 0;
-        for (int v; values >> v;) ++xpuValues;
-    }
-    EXPECT_EQ(xpuValues, 6);
 }
 
 TEST_F(ServerProfile, ReadingsDifferBetweenDies) {
@@ -158,12 +95,6 @@ TEST_F(ServerProfile, DriverModuleAndRenderNodes) {
     const fs::path render = fs::canonical(s_host->Path("/dev/dri/by-path/pci-0000:1c:00.0-render"));
     const int cardNumber = std::stoi(card.filename().string().substr(4));
     EXPECT_EQ(render.filename().string(), "renderD" + std::to_string(128 + cardNumber));
-}
-
-TEST_F(ServerProfile, OtherVendorsFunctionsArePresent) {
-    EXPECT_EQ(Read(Device("0000:31:00.0") + "/vendor"), "0x15b3\n");
-    EXPECT_EQ(DriverOf("0000:31:00.0"), "mlx5_core");
-    EXPECT_FALSE(Exists(Device("0000:31:00.0") + "/smi"));
 }
 
 }  // namespace

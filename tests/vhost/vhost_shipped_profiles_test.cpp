@@ -1,5 +1,7 @@
 // Every shipped profile must build a tree that the library can walk: links
-// that stay inside the root, and the files discovery reads.
+// that stay inside the root, and the files discovery reads. What the library
+// then sees on each profile is pinned by dksmi's golden transcripts
+// (tests/dksmi/golden/).
 #include <filesystem>
 #include <set>
 #include <string>
@@ -25,11 +27,6 @@ bool IsInside(const fs::path& path, const fs::path& root) {
     const std::string resolved = fs::canonical(path).string();
     const std::string base = fs::canonical(root).string() + "/";
     return resolved.rfind(base, 0) == 0;
-}
-
-TEST(ShippedProfiles, TheFourProfilesAreShipped) {
-    const std::set<std::string> names = ShippedProfiles();
-    for (const char* name : {"server", "guest", "no-driver", "empty"}) EXPECT_TRUE(names.contains(name)) << name;
 }
 
 class EveryProfile : public testing::TestWithParam<std::string> {};
@@ -76,39 +73,6 @@ TEST(ShippedProfiles, DriverlessHostsHaveNoDriverFiles) {
             EXPECT_NE(entry.path().filename(), "smi") << entry.path();
         }
     }
-}
-
-TEST(ShippedProfiles, NoDriverHostShowsItsGpusUnbound) {
-    const ScopedHost host("no-driver");
-    for (const char* busId : {"0000:3b:00.0", "0000:5e:00.0"}) {
-        const std::string dir = std::string("/sys/bus/pci/devices/") + busId;
-        EXPECT_EQ(host.ReadFile(dir + "/vendor"), "0x1e27\n");
-        EXPECT_FALSE(fs::exists(fs::symlink_status(host.Path(dir + "/driver")))) << busId;
-    }
-}
-
-TEST(ShippedProfiles, EmptyHostHasNoMakerFunction) {
-    const ScopedHost host("empty");
-    for (const fs::directory_entry& entry : fs::directory_iterator(host.Path("/sys/bus/pci/devices"))) {
-        const std::string vendor = host.ReadFile("/sys/bus/pci/devices/" + entry.path().filename().string() + "/vendor");
-        EXPECT_NE(vendor, "0x1e27\n");
-        EXPECT_NE(vendor, "0x1e28\n");
-    }
-}
-
-TEST(ShippedProfiles, GuestSeesOnlyVirtualFunctions) {
-    const ScopedHost host("guest");
-    int virtualFunctions = 0;
-    for (const fs::directory_entry& entry : fs::directory_iterator(host.Path("/sys/bus/pci/devices"))) {
-        const fs::path driver = entry.path() / "driver";
-        if (host.ReadFile("/sys/bus/pci/devices/" + entry.path().filename().string() + "/vendor") != "0x1e27\n") continue;
-        ASSERT_TRUE(fs::exists(driver));
-        EXPECT_EQ(fs::canonical(driver).filename(), "DKGVM");
-        EXPECT_TRUE(fs::exists(entry.path() / "smi/pcipowerstate"));
-        ++virtualFunctions;
-    }
-    EXPECT_EQ(virtualFunctions, 2);
-    EXPECT_EQ(host.ReadFile("/sys/bus/pci/devices/0000:00:05.0/smi/showvmtype"), "guest\n");
 }
 
 }  // namespace

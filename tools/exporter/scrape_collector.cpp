@@ -98,7 +98,7 @@ struct CollectionJob {
 // time out on the session lock instead of piling up behind it.
 void StartWorker(std::shared_ptr<CollectionJob> job, std::shared_ptr<LibrarySession> session,
                  ScrapeSettings settings, std::chrono::steady_clock::time_point deadline) {
-    std::thread([job, session, settings, deadline] {
+    std::thread([job = std::move(job), session = std::move(session), settings, deadline] {
         CollectionResult result;
         {
             std::unique_lock<std::timed_mutex> hold(session->Lock(), deadline);

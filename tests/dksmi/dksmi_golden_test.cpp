@@ -1,0 +1,116 @@
+// Golden outputs: dksmi's table and its --json document for every shipped
+// virtual-host profile, compared with the transcripts checked in under
+// tests/dksmi/golden/. Any change to what dksmi prints shows up in review as a
+// diff of those files.
+//
+// When a change is intended, rewrite them and review the diff:
+//   DKSML_UPDATE_GOLDEN=1 build/tests/dksml_dksmi_tests --gtest_filter='DksmiGolden*'
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "dksmi/dksmi_runner.h"
+
+namespace dksmi::test {
+namespace {
+
+namespace fs = std::filesystem;
+using dksml::vhost::ScopedHost;
+
+fs::path GoldenDirectory() { return fs::path(DKSML_SOURCE_DIR) / "tests" / "dksmi" / "golden"; }
+
+bool UpdatingGolden() {
+    const char* value = std::getenv("DKSML_UPDATE_GOLDEN");
+    return value != nullptr && std::string(value) == "1";
+}
+
+void ReplaceAll(std::string& text, const std::string& from, const std::string& to) {
+    if (from.empty()) return;
+    for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+        text.replace(at, from.size(), to);
+}
+
+// The one place that masks what legitimately differs between runs: the
+// temporary directory the virtual host is written to (it appears in messages
+// that name a file). The outputs carry no clock time; a profile that adds one
+// must be masked here too.
+std::string MaskVarying(std::string text, const ScopedHost& host) {
+    ReplaceAll(text, host.Root().string(), "<HOST_ROOT>");
+    return text;
+}
+
+// What a run printed, as one reviewable file: the command, its standard
+// output, then the exit code and whatever it wrote to standard error.
+std::string Transcript(const std::string& arguments, const ScopedHost& host) {
+    const RunResult run = RunDksmi(arguments);
+    std::string text = "$ dksmi" + (arguments.empty() ? "" : " " + arguments) + "\n" + run.out;
+    if (!text.empty() && text.back() != '\n') text += "\n";
+    text += "[exit " + std::to_string(run.exitCode) + "]\n" + run.err;
+    return MaskVarying(text, host);
+}
+
+std::vector<std::string> ShippedProfiles() {
+    std::vector<std::string> names;
+    for (const fs::directory_entry& entry : fs::directory_iterator(dksml::vhost::ProfileDirectory()))
+        if (entry.path().extension() == ".json") names.push_back(entry.path().stem().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string ReadWhole(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+struct Output {
+    const char* suffix;
+    const char* arguments;
+};
+
+// dksmi's two renderings of the whole host: the summary table and the JSON
+// document (which carries every per-die detail).
+constexpr Output c_outputs[] = {{"table", ""}, {"json", "--json"}};
+
+using DksmiGolden = DksmiTest;
+
+TEST_F(DksmiGolden, EveryShippedProfileMatchesItsTranscripts) {
+    const std::vector<std::string> profiles = ShippedProfiles();
+    ASSERT_FALSE(profiles.empty());
+    if (UpdatingGolden()) fs::create_directories(GoldenDirectory());
+    for (const std::string& profile : profiles) {
+        ScopedHost host(profile);
+        for (const Output& output : c_outputs) {
+            const fs::path file = GoldenDirectory() / (profile + "." + output.suffix + ".txt");
+            const std::string actual = Transcript(output.arguments, host);
+            if (UpdatingGolden()) {
+                std::ofstream(file, std::ios::binary) << actual;
+                continue;
+            }
+            ASSERT_TRUE(fs::exists(file)) << file << " is missing; run with DKSML_UPDATE_GOLDEN=1 to write it";
+            EXPECT_EQ(actual, ReadWhole(file))
+                << "dksmi " << output.arguments << " on profile \"" << profile << "\" differs from " << file
+                << "; if the change is intended, rerun with DKSML_UPDATE_GOLDEN=1 and review the diff";
+        }
+    }
+}
+
+// A golden file whose profile is gone would never be compared again.
+TEST_F(DksmiGolden, EveryTranscriptBelongsToAShippedProfile) {
+    if (UpdatingGolden()) GTEST_SKIP() << "rewriting";
+    const std::vector<std::string> profiles = ShippedProfiles();
+    for (const fs::directory_entry& entry : fs::directory_iterator(GoldenDirectory())) {
+        const std::string name = entry.path().filename().string();
+        const std::string profile = name.substr(0, name.find('.'));
+        EXPECT_TRUE(std::binary_search(profiles.begin(), profiles.end(), profile)) << name << " has no profile";
+    }
+}
+
+}  // namespace
+}  // namespace dksmi::test
