@@ -38,13 +38,14 @@ std::string BusId(unsigned bus, unsigned device, unsigned function) {
     return text;
 }
 
-// Eight GPUs per switch: the switch port on bus 0x10 + 9 * group and its GPUs
-// on the eight buses right after it, so every bridge's bus range holds only
-// its own children.
-unsigned SwitchBus(unsigned gpu) { return 0x10 + 9 * (gpu / 8); }
-unsigned GpuBus(unsigned gpu) { return SwitchBus(gpu) + 1 + gpu % 8; }
+// Four GPUs per switch: the switch on bus 0x10 + 2 * group and its GPUs as
+// devices 0-3 of the bus right after it, so every bridge's bus range holds
+// only its own children.
+constexpr unsigned c_gpusPerSwitch = 4;
+unsigned SwitchBus(unsigned gpu) { return 0x10 + 2 * (gpu / c_gpusPerSwitch); }
+std::string GpuBusId(unsigned gpu) { return BusId(SwitchBus(gpu) + 1, gpu % c_gpusPerSwitch, 0); }
 
-// GPUs behind one switch per eight, half on each NUMA node, interconnect
+// GPUs behind one switch per four, half of the switches on each NUMA node, interconnect
 // links in pairs; other functions fill buses 0x80.. .
 json MakeProfile(unsigned gpus, unsigned others) {
     json profile = {{"name", "bench"},
@@ -52,16 +53,16 @@ json MakeProfile(unsigned gpus, unsigned others) {
                     {"devices", json::array()},
                     {"links", json::array()}};
     for (unsigned i = 0; i < gpus; ++i) {
-        const unsigned numa = i < gpus / 2 ? 0 : 1;
-        profile["devices"].push_back({{"bus_id", BusId(GpuBus(i), 0, 0)},
+        const unsigned numa = i / c_gpusPerSwitch < gpus / c_gpusPerSwitch / 2 ? 0 : 1;
+        profile["devices"].push_back({{"bus_id", GpuBusId(i)},
                                       {"model", "DKK6-A"},
                                       {"numa_node", numa},
                                       {"gpu_id", 1000 + i},
                                       {"topology", json::array({i % 8, numa})},
-                                      {"bridges", json::array({BusId(numa == 0 ? 0x0 : 0x8, 1 + i / 8, 0),
+                                      {"bridges", json::array({BusId(numa == 0 ? 0x0 : 0x8, 1 + i / c_gpusPerSwitch, 0),
                                                                BusId(SwitchBus(i), 0, 0)})}});
         if (i % 2 == 1) {
-            profile["links"].push_back({{"from", BusId(GpuBus(i - 1), 0, 0)}, {"to", BusId(GpuBus(i), 0, 0)}, {"type", 4}});
+            profile["links"].push_back({{"from", GpuBusId(i - 1)}, {"to", GpuBusId(i)}, {"type", 4}});
         }
     }
     for (unsigned i = 0; i < others; ++i) {
@@ -122,7 +123,7 @@ void BM_BuildFloor(benchmark::State& state) {
     vhost::ScopedHost& host = HostFor(gpus, static_cast<unsigned>(state.range(1)));
     std::vector<std::string> files;
     for (unsigned i = 0; i < gpus; ++i) {
-        const std::string dir = host.Path("/sys/bus/pci/devices/" + BusId(GpuBus(i), 0, 0)).string();
+        const std::string dir = host.Path("/sys/bus/pci/devices/" + GpuBusId(i)).string();
         for (const char* name : {"/numa_node", "/local_cpulist", "/smi/showtopology"}) files.push_back(dir + name);
     }
     for (auto _ : state) {
