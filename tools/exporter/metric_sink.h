@@ -27,13 +27,13 @@ using LabelList = std::vector<std::pair<std::string, std::string>>;
 class MetricSink {
 public:
     // One sample; `labels` are appended after the sink's base labels.
-    void Add(const MetricSpec& spec, const LabelList& labels, double value);
+    void Add(const MetricSpec& definition, const LabelList& labels, double value);
     // The same, taking the label texts over (most series are built for one sample).
-    void Add(const MetricSpec& spec, LabelList&& labels, double value);
+    void Add(const MetricSpec& definition, LabelList&& labels, double value);
 
     // Declares a family without samples (its HELP line appears only once it
     // has a sample: prometheus-cpp drops empty families).
-    prometheus::MetricFamily& Family(const MetricSpec& spec);
+    prometheus::MetricFamily& Family(const MetricSpec& definition);
 
     const std::vector<prometheus::MetricFamily>& Families() const { return m_families; }
     std::vector<prometheus::MetricFamily> Take() { return std::move(m_families); }
