@@ -7,4 +7,5 @@ bash scripts/install-deps.sh
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O2 -g1 -DNDEBUG" \
       -DDKSML_WERROR=ON >/dev/null
 cmake --build build
+source scripts/fast-tmp.sh
 ctest --test-dir build --output-on-failure -j"$(nproc)"
