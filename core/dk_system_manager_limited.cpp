@@ -9,6 +9,7 @@
 #include "core/dk_pci_entry.h"
 #include "core/dk_system_manager.h"
 #include "core/dk_system_manager_state.h"
+#include "core/dk_unavailable_reason.h"
 #include "driver/dk_text.h"
 
 namespace dksml {
@@ -16,24 +17,6 @@ namespace {
 
 constexpr const char* c_modulesPath = "/proc/modules";
 constexpr std::string_view c_driverModuleName = "dravik";
-
-struct DkReasonRow {
-    uint32_t reason;
-    const char* text;
-};
-
-constexpr DkReasonRow c_reasonTexts[] = {
-    {DK_SML_UNAVAILABLE_DRIVER_NOT_FOUND, "Dravik Kernel Driver Not Found"},
-    {DK_SML_UNAVAILABLE_LAYOUT_NODE_NOT_FOUND, "Layout Node Not Found"},
-    {DK_SML_UNAVAILABLE_SYSFS_INACCESSIBLE, "Dravik Sysfs File Unaccessible"},
-    {DK_SML_UNAVAILABLE_VBIOS_INCOMPATIBLE, "Driver And Vbios Compatibility Check Failed"},
-};
-
-const char* ReasonText(uint32_t reason) {
-    for (const DkReasonRow& row : c_reasonTexts)
-        if (row.reason == reason) return row.text;
-    return "";
-}
 
 // CheckIsDriverInstalled: DK_SML_ERROR_SYSFS when "/proc/modules" cannot be read.
 DkSmlReturn CheckIsDriverInstalled(bool& installed) {
@@ -49,7 +32,7 @@ DkSmlReturn CheckIsDriverInstalled(bool& installed) {
 
 void FillReason(DkSmlDeviceUnavailableReasonInfo* info, uint32_t reason) {
     info->reason = reason;
-    std::snprintf(info->reasonText, sizeof(info->reasonText), "%s", ReasonText(reason));
+    std::snprintf(info->reasonText, sizeof(info->reasonText), "%s", DkUnavailableReasonText(reason));
 }
 
 }  // namespace
@@ -74,7 +57,7 @@ DkSmlReturn DkSystemManager::CheckNodeInvalidReason(const std::string& bdfId, ui
         const bool unreadable = status == DK_SML_ERROR_SYSFS;
         reason = unreadable ? DK_SML_UNAVAILABLE_SYSFS_INACCESSIBLE : DK_SML_UNAVAILABLE_LAYOUT_NODE_NOT_FOUND;
     }
-    text = ReasonText(reason);
+    text = DkUnavailableReasonText(reason);
     return result;
 }
 

@@ -4,6 +4,8 @@
 #include <string>
 
 #include "dksml.h"
+#include "features/version/dk_version.h"
+#include "internal_reader.h"
 
 namespace dksmi {
 namespace {
@@ -23,11 +25,10 @@ constexpr FirmwareUnit kFirmwareUnits[] = {
     {DK_SML_VERSION_FW_MCU, "MCU"},   {DK_SML_VERSION_FW_VR0, "VR0"},   {DK_SML_VERSION_FW_VR1, "VR1"},
 };
 
-std::optional<std::string> UnitVersion(uint32_t index, DkSmlVersionUnit unit) {
-    char text[DK_SML_VERSION_LENGTH] = {};
-    uint32_t size = sizeof text;
-    if (dkSmlGetDeviceVersion(index, unit, text, &size) != DK_SML_SUCCESS) return std::nullopt;
-    return std::string(text);
+// What dkSmlGetDeviceVersion answers for the unit, from the texts read once.
+std::optional<std::string> UnitVersion(const dksml::DkDieVersionTexts& texts, DkSmlVersionUnit unit) {
+    if (texts.unitStatus[unit] != DK_SML_SUCCESS) return std::nullopt;
+    return std::string(texts.unit[unit]);
 }
 
 }  // namespace
@@ -46,14 +47,22 @@ std::optional<std::vector<PerfLevelReading>> CollectPerfLevels(uint32_t index, u
     return levels;
 }
 
+// The device's versions are die 0's. The compute-stack version is shown only
+// when the whole version record of the die reads, as dkSmlGetDeviceDieVersion
+// answers it.
 void CollectDeviceVersions(DeviceReport& device) {
-    device.driverVersion = UnitVersion(device.index, DK_SML_VERSION_DRIVER);
-    device.vbiosVersion = UnitVersion(device.index, DK_SML_VERSION_VBIOS);
-    DkSmlVersion record{};
-    if (dkSmlGetDeviceDieVersion(device.index, 0, &record) == DK_SML_SUCCESS)
-        device.computeStackVersion = std::string(record.vornVersion);
+    dksml::DkDieVersionTexts texts{};
+    if (ReadDieVersionTexts(device.index, 0, texts) != DK_SML_SUCCESS) {
+        for (const FirmwareUnit& unit : kFirmwareUnits) device.firmware.push_back({unit.name, std::nullopt});
+        return;
+    }
+    device.driverVersion = UnitVersion(texts, DK_SML_VERSION_DRIVER);
+    device.vbiosVersion = UnitVersion(texts, DK_SML_VERSION_VBIOS);
+    char stack[DK_SML_VERSION_LENGTH] = {};
+    if (texts.recordStatus == DK_SML_SUCCESS && ReadStackVersion(device.index, stack, sizeof stack) == DK_SML_SUCCESS)
+        device.computeStackVersion = std::string(stack);
     for (const FirmwareUnit& unit : kFirmwareUnits)
-        device.firmware.push_back({unit.name, UnitVersion(device.index, unit.unit)});
+        device.firmware.push_back({unit.name, UnitVersion(texts, unit.unit)});
 }
 
 void CollectSystemVersions(Snapshot& snapshot) {

@@ -5,6 +5,7 @@
 #include "api/dk_service_manager.h"
 #include "core/dk_system_manager.h"
 #include "features/temperature/dk_temperature.h"
+#include "features/version/dk_version.h"
 #include "features/voltage/dk_voltage.h"
 
 namespace dksmi {
@@ -60,6 +61,20 @@ DkSmlReturn ReadDieVoltageMonitor(uint32_t deviceIndex, uint32_t die, std::vecto
                               status = monitor.GetDieVmInfo(device, die, &count, rows.data());
                               rows.resize(status == DK_SML_SUCCESS ? count : 0);
                               return status;
+                          });
+}
+
+DkSmlReturn ReadDieVersionTexts(uint32_t deviceIndex, uint32_t die, dksml::DkDieVersionTexts& texts) {
+    return WithDieService(dksml::DkServiceManager::GetInstance().GetDkVersion(), deviceIndex, die,
+                          [&](dksml::DkVersion& version, dksml::IDkDevice* device) {
+                              return version.GetDieVersionTexts(device, die, &texts);
+                          });
+}
+
+DkSmlReturn ReadStackVersion(uint32_t deviceIndex, char* buffer, uint32_t size) {
+    return WithDieService(dksml::DkServiceManager::GetInstance().GetDkVersion(), deviceIndex, 0,
+                          [&](dksml::DkVersion& version, dksml::IDkDevice* device) {
+                              return version.GetStackVersion(device, buffer, size);
                           });
 }
 
