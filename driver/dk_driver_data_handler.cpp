@@ -11,6 +11,7 @@
 #include <cstring>
 
 #include "driver/dk_driver_interface_manager.h"
+#include "driver/dk_read_session.h"
 #include "driver/dk_text.h"
 
 namespace dksml {
@@ -60,8 +61,12 @@ std::string DkLinuxDriverDataHandler::GetDriverInterfaceFile(unsigned int dieId,
 
 DkSmlReturn DkLinuxDriverDataHandler::FetchData(unsigned int dieId, dravik_smi_opcode op, std::string& text) {
     if (!m_dirs) return DK_SML_ERROR_NOT_SUPPORTED;
-    return FetchAt(dieId == 0 ? m_dirs->smi0 : m_dirs->smi1, DkDriverInterfaceManager::GetDriverInterfaceRef(op).c_str(),
-                   text);
+    const DkDirFd& dir = dieId == 0 ? m_dirs->smi0 : m_dirs->smi1;
+    const char* name = DkDriverInterfaceManager::GetDriverInterfaceRef(op).c_str();
+    if (DkReadSession* session = DkReadSession::Current())
+        return session->Fetch(m_dirs, dieId == 0 ? 0 : 1, op, text,
+                              [&](std::string& read) { return FetchAt(dir, name, read); });
+    return FetchAt(dir, name, text);
 }
 
 DkSmlReturn DkLinuxDriverDataHandler::SetData(unsigned int dieId, dravik_smi_opcode op, const std::string& text) {
@@ -69,6 +74,7 @@ DkSmlReturn DkLinuxDriverDataHandler::SetData(unsigned int dieId, dravik_smi_opc
     const DkDirFd& dir = dieId == 0 ? m_dirs->smi0 : m_dirs->smi1;
     const std::string& name = DkDriverInterfaceManager::GetDriverInterfaceRef(op);
     if (!dir.IsOpen()) return DK_SML_ERROR_NOT_SUPPORTED;
+    DkReadSession::ForgetCurrent();  // the driver may answer differently after a write
     return WriteFileTextAt(dir.Get(), name.empty() ? "." : name.c_str(), text);
 }
 
@@ -115,6 +121,7 @@ DkSmlReturn DkLinuxDriverDataHandler::WriteRegister(unsigned int /*dieId*/, unsi
     std::string line = "0x";
     AppendHex8(line, value);
     AppendHex8(line, address);
+    DkReadSession::ForgetCurrent();
     return WriteSysfs(RegisterDumpPath(), line);
 }
 

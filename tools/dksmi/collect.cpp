@@ -6,6 +6,8 @@
 #include <array>
 #include <map>
 
+#include "core/dk_unavailable_reason.h"
+#include "driver/dk_read_session.h"
 #include "internal_reader.h"
 #include "processes_collect.h"
 #include "power_collect.h"
@@ -133,6 +135,13 @@ DieReport CollectDie(uint32_t index, uint32_t die) {
     return report;
 }
 
+// The device's hot spot starts from die 0's temperature record, read and
+// walked as the die's own record is: when that failed a moment ago, asking
+// again would only repeat the failing read.
+bool HotspotReadable(const std::vector<DieReport>& dies) {
+    return dies.empty() || dies.front().temperatures.has_value();
+}
+
 std::vector<uint32_t> VirtualFunctionsOf(uint32_t index) {
     // A PF hosts at most as many VFs as there are VF devices in the map.
     uint32_t count = dkSmlGetPfDeviceCount();
@@ -165,9 +174,6 @@ std::optional<DeviceReport> CollectDevice(uint32_t index) {
 
     report.dieCount = ReadValue<uint32_t>([&](uint32_t* count) { return dkSmlGetDeviceDieCount(index, count); });
 
-    int32_t hotspot = 0;
-    if (dkSmlGetTemperatureInfo(index, DK_SML_TEMPERATURE_HOTSPOT, &hotspot) == DK_SML_SUCCESS)
-        report.hotspotC = ValidTemperature(hotspot);
 
     uint32_t rpm = 0;
     uint32_t duty = 0;
@@ -181,6 +187,11 @@ std::optional<DeviceReport> CollectDevice(uint32_t index) {
 
     CollectDevicePower(index, report.power);
     for (uint32_t die = 0; die < report.dieCount.value_or(0); ++die) report.dies.push_back(CollectDie(index, die));
+    if (HotspotReadable(report.dies)) {
+        int32_t hotspot = 0;
+        if (dkSmlGetTemperatureInfo(index, DK_SML_TEMPERATURE_HOTSPOT, &hotspot) == DK_SML_SUCCESS)
+            report.hotspotC = ValidTemperature(hotspot);
+    }
     CollectPcieAndLinks(index, report);
     CollectDeviceVersions(report);
     return report;
@@ -211,12 +222,10 @@ std::optional<LimitedDeviceReport> CollectLimitedDevice(uint32_t index) {
     report.vendorId = info.vendorId;
     report.deviceId = info.deviceId;
     report.isVirtualFunction = info.isVf != 0;
+    // The reason discovery found a moment ago. dkSmlGetDeviceUnavailableReason
+    // would check the driver afresh and repeat the reads that just failed.
     report.reason = info.unavailableReason;
-    DkSmlDeviceUnavailableReasonInfo reason{};
-    if (dkSmlGetDeviceUnavailableReason(index, &reason) == DK_SML_SUCCESS) {
-        report.reason = reason.reason;
-        report.reasonText = reason.reasonText;
-    }
+    report.reasonText = dksml::DkUnavailableReasonText(info.unavailableReason);
     return report;
 }
 
@@ -242,6 +251,10 @@ void LinkVirtualFunctionsToParents(std::vector<DeviceReport>& devices) {
 }  // namespace
 
 Snapshot Collect(DkSmlReturn initStatus) {
+    // One snapshot: a driver record several queries parse (the performance
+    // levels of every domain, the PMBus rails, the engine loads) is read once,
+    // and a record a device lacks is asked for once.
+    const dksml::DkReadSession session;
     Snapshot snapshot;
     snapshot.initStatus = initStatus;
     for (uint32_t index : DeviceIndices()) {
