@@ -85,8 +85,10 @@ void DkDevice::OpenDirectories() {
     auto dirs = std::make_shared<DkDeviceDirs>();
     dirs->root = m_root;
     dirs->device = m_root->OpenDir(m_deviceDir);
-    dirs->smi0 = m_root->OpenDir(m_deviceDir + "/smi");
-    dirs->smi1 = m_root->OpenDir(m_deviceDir + "/smi1");
+    // The die directories through the device's own: one lookup each instead
+    // of the whole path and the bus link again.
+    dirs->smi0 = dirs->device.OpenSubdir("smi");
+    dirs->smi1 = dirs->device.OpenSubdir("smi1");
     if (!m_nodePath.empty()) dirs->node = m_root->OpenDir(m_nodePath);
     m_dirs = std::move(dirs);
 }

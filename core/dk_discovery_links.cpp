@@ -2,6 +2,7 @@
 // function hosts ("gpuvf") and each device's DRM card and render nodes.
 #include <cstdlib>
 #include <dirent.h>
+#include <unistd.h>
 #include <string_view>
 #include <vector>
 
@@ -92,9 +93,11 @@ void DkSystemManager::ConnectPfAndVfDevice() {
 
 void DkSystemManager::GetRenderIdAndCardId() {
     State& s = *m_state;
-    const std::shared_ptr<const DkHostRoot> root = CurrentHostRoot();
+    // The links are listed and read relative to their own directory.
+    const DkDirFd byPath = CurrentHostRoot()->OpenDir(c_driByPathDir);
+    if (!byPath.IsOpen()) return;
     dirent** entries = nullptr;
-    int count = scandirat(root->Fd(), DkHostRoot::Relative(c_driByPathDir).c_str(), &entries, nullptr, versionsort);
+    int count = scandirat(byPath.Get(), ".", &entries, nullptr, versionsort);
     if (count < 0) return;
     for (int i = 0; i < count; ++i) {
         std::string name = entries[i]->d_name;
@@ -109,10 +112,11 @@ void DkSystemManager::GetRenderIdAndCardId() {
         if (device == s.bdfToDeviceIndex.end() || (kind != "card" && kind != "render")) continue;
         // One readlinkat: the by-path links point straight at the node.
         char target[4096];
-        const std::size_t length =
-            root->ResolveLink(std::string(c_driByPathDir) + "/" + name, target, sizeof target);
+        const ssize_t length = ::readlinkat(byPath.Get(), name.c_str(), target, sizeof target);
         uint32_t number = 0;
-        if (length == 0 || !TrailingNumber(std::string_view(target, length), number)) continue;
+        if (length <= 0 || static_cast<std::size_t>(length) >= sizeof target ||
+            !TrailingNumber(std::string_view(target, static_cast<std::size_t>(length)), number))
+            continue;
         IDkDevice& dev = *s.devices[device->second];
         if (kind == "card") dev.SetDeviceCardId(number);
         else dev.SetDeviceRenderId(number);
@@ -121,4 +125,3 @@ void DkSystemManager::GetRenderIdAndCardId() {
 }
 
 }  // namespace dksml
-

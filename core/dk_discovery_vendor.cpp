@@ -1,5 +1,7 @@
 // Which PCI functions are the maker's GPUs: the accepted vendor ids and the
 // identity files of one PCI function.
+#include <unistd.h>
+
 #include <string_view>
 
 #include "core/dk_file_text.h"
@@ -48,10 +50,12 @@ void DkSystemManager::InitVendorId() {
     s.acceptedVendorIds.insert(c_makerPartnerVendorId);
 }
 
-// Identity of the PCI function `entry` of the directory `searchPath` (a host path).
+// Identity of the PCI function `entry` (every file is read relative to the
+// scan's directory, so the search path itself is not needed).
 // False when it is no GPU function that the library serves; `info` then
 // still carries its ids.
-bool DkSystemManager::GetDkDeviceInfo(const DkPciEntry& entry, const std::string& searchPath, DkSysInfo& info) const {
+bool DkSystemManager::GetDkDeviceInfo(const DkPciEntry& entry, const std::string& /*searchPath*/,
+                                      DkSysInfo& info) const {
     // The vendor decides first: most PCI functions of a host are not GPUs,
     // and their other id files are never needed.
     info.vendorId = ReadIdFile(entry, "vendor");
@@ -71,10 +75,11 @@ bool DkSystemManager::GetDkDeviceInfo(const DkPciEntry& entry, const std::string
     info.subsystemVendorId = ReadIdFile(entry, "subsystem_vendor");
     info.subsystemDeviceId = ReadIdFile(entry, "subsystem_device");
     // The "driver" link names the bound driver in its last component: one
-    // readlinkat, no walk of the whole path.
+    // readlinkat relative to the scan's directory. No link, no driver.
     char driver[4096];
-    const std::size_t length = CurrentHostRoot()->ResolveLink(searchPath + "/" + std::string(entry.name) + "/driver", driver, sizeof driver);
-    info.isVf = std::string_view(driver, length).find(c_vfDriverName) != std::string_view::npos;
+    const ssize_t length = ::readlinkat(entry.dirFd, entry.File("driver").c_str(), driver, sizeof driver);
+    info.isVf = length > 0 && static_cast<std::size_t>(length) < sizeof driver &&
+                std::string_view(driver, static_cast<std::size_t>(length)).find(c_vfDriverName) != std::string_view::npos;
     return true;
 }
 

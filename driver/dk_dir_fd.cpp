@@ -1,6 +1,7 @@
 // Closing and moving owned directory descriptors.
 #include "driver/dk_dir_fd.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace dksml {
@@ -13,6 +14,12 @@ DkDirFd& DkDirFd::operator=(DkDirFd&& other) noexcept {
         other.m_fd = -1;
     }
     return *this;
+}
+
+DkDirFd DkDirFd::OpenSubdir(const char* name) const {
+    if (m_fd < 0) return DkDirFd(-1, m_errno);
+    const int fd = ::openat(m_fd, name, O_PATH | O_DIRECTORY | O_CLOEXEC);
+    return DkDirFd(fd, fd < 0 ? errno : 0);
 }
 
 DkDirFd::~DkDirFd() {

@@ -19,6 +19,10 @@ public:
     DkDirFd& operator=(const DkDirFd&) = delete;
     ~DkDirFd();
 
+    // The directory `name` inside this one (one lookup, O_PATH); when this
+    // one is not open, neither is the result, with this one's errno.
+    DkDirFd OpenSubdir(const char* name) const;
+
     int Get() const { return m_fd; }
     bool IsOpen() const { return m_fd >= 0; }
     int OpenErrno() const { return m_errno; }  // ENOENT when never opened
