@@ -22,13 +22,19 @@ DkSmlReturn ParseClocks(std::string_view text, DkSmlClocksFreqForAll& all, DkSml
     bool anyLine = false;
     DkSmlReturn result = VisitKeyValue(text, [&](std::string_view label, const int64_t* values, std::size_t count) {
         anyLine = true;
+        // Labels differ in their first letter or length far more often than
+        // not: both are compared before the text.
         for (const DkClockMember& member : c_clockMembers) {
+            if (member.clockLabel[0] != label[0]) continue;
             if (label == member.clockLabel) {
                 DkSmlClockFreq& slot = all.*member.freq;
                 slot.count = CopyClockValues(values, count, slot.freq, DK_SML_CLOCK_MAX_VALUES);
-            } else if (status != nullptr && label == member.statusLabel) {
+                return;
+            }
+            if (status != nullptr && label == member.statusLabel) {
                 DkSmlClockStatus& slot = status->*member.status;
                 slot.count = CopyClockValues(values, count, slot.status, DK_SML_CLOCK_MAX_VALUES);
+                return;
             }
         }
     });

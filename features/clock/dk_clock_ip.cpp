@@ -64,21 +64,22 @@ void Consider(DkClockLine& best, std::string_view wanted, std::string_view label
 }
 
 // The IP's line, or 3 when there is none; 1 when the xpu line is not six
-// values; the parse status when the text is malformed.
+// values; the parse status when the text is malformed. One walk: the lines an
+// xpu line would replace are kept apart and weighed only when there is none.
 DkSmlReturn FindIpLine(std::string_view text, std::string_view wanted, DkClockLine& best) {
     DkClockLine xpu;
+    DkClockLine replaceable;
     DkSmlReturn result = VisitKeyValue(text, [&](std::string_view label, const int64_t* numbers, std::size_t count) {
         if (label == c_xpuClockLabel) xpu.Take(label, numbers, count);
+        Consider(IsXpuShare(label) ? replaceable : best, wanted, label, numbers, count);
     });
     if (result != DK_SML_SUCCESS) return result;
     if (xpu.found && xpu.count != c_xpuClockValueCount) return DK_SML_ERROR_FAILURE;
-
-    VisitKeyValue(text, [&](std::string_view label, const int64_t* numbers, std::size_t count) {
-        if (!xpu.found || !IsXpuShare(label)) Consider(best, wanted, label, numbers, count);
-    });
     if (xpu.found) {
         for (const DkXpuShare& share : c_xpuShares)
             Consider(best, wanted, share.label, xpu.values + share.first, share.count, true);
+    } else if (replaceable.found && (!best.found || replaceable.label < best.label)) {
+        best = replaceable;
     }
     return best.found ? DK_SML_SUCCESS : DK_SML_ERROR_NOT_SUPPORTED;
 }
