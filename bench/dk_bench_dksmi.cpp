@@ -1,0 +1,214 @@
+// One dksmi run in process (a fresh discovery, the collection of every device
+// and the summary table) on a generated host of 8 two-die GPUs, beside the
+// floor of exactly what that run reads.
+//
+// The floor is recorded, not written down: the setup runs this binary once
+// more under strace ("--dksmi-once": one discovery, collection and rendering,
+// the same code as the loop) and keeps every file under the host root that
+// was read, every directory that was listed and every link that was resolved
+// there, each once. In the loop each file is opened relative to its directory
+// (opened once beforehand), read once and closed; each listing is opened,
+// read to its end and closed; each link is read with one readlinkat.
+// Counters beyond those of dk_bench_floor.h: files, listings, links (the
+// floor's size) and failed_calls (opens and link reads under the root that
+// failed in the recorded run).
+#include <benchmark/benchmark.h>
+
+#include <nlohmann/json.hpp>
+
+#include <fcntl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <map>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "collect.h"
+#include "dk_bench_floor.h"
+#include "dksml.h"
+#include "text_render.h"
+#include "vhost/dk_virtual_host.h"
+
+namespace {
+
+constexpr int c_gpuCount = 8;
+constexpr const char* c_onceFlag = "--dksmi-once";
+
+std::string BusId(int gpu) {
+    char text[16];
+    std::snprintf(text, sizeof text, "0000:%02x:00.0", 0x10 + gpu * 8);
+    return text;
+}
+
+nlohmann::json EightGpuProfile() {
+    nlohmann::json devices = nlohmann::json::array();
+    for (int gpu = 0; gpu < c_gpuCount; ++gpu)
+        devices.push_back({{"bus_id", BusId(gpu)}, {"model", "DKK6-A"}, {"dies", 2}, {"numa_node", gpu / 4},
+                           {"bridges", nlohmann::json::array()}, {"gpu_id", 48000 + gpu},
+                           {"topology", {gpu, gpu / 4}}});
+    return {{"name", "bench8"},
+            {"description", "8 two-die GPUs"},
+            {"operating_mode", 0},
+            {"cpu_nodes", {{{"node", 0}, {"cpus", "0-31"}}, {{"node", 1}, {"cpus", "32-63"}}}},
+            {"devices", devices}};
+}
+
+// What `dksmi` without options does once its process is up.
+std::size_t RunDksmiOnce() {
+    const DkSmlReturn status = dkSmlInitWithFlags(1);
+    const std::string table = dksmi::RenderSummary(dksmi::Collect(status));
+    return table.size();
+}
+
+// The path in "<...>" after position `from` (strace -y decorates descriptors).
+std::string_view DecoratedPath(std::string_view line, std::size_t from) {
+    const std::size_t open = line.find('<', from);
+    if (open == std::string_view::npos) return {};
+    const std::size_t close = line.find('>', open);
+    if (close == std::string_view::npos) return {};
+    return line.substr(open + 1, close - open - 1);
+}
+
+// The first quoted argument of a call.
+std::string_view QuotedArgument(std::string_view line) {
+    const std::size_t open = line.find('"');
+    if (open == std::string_view::npos) return {};
+    const std::size_t close = line.find('"', open + 1);
+    if (close == std::string_view::npos) return {};
+    return line.substr(open + 1, close - open - 1);
+}
+
+struct RecordedRun {
+    std::set<std::string> files;     // read, relative to the root
+    std::set<std::string> listings;  // listed
+    std::set<std::string> links;     // resolved
+    int failedCalls = 0;
+    bool ok = false;
+};
+
+// Keeps `path` relative to `root` when it lies under it.
+bool UnderRoot(std::string_view path, const std::string& root, std::string& relative) {
+    if (path.size() <= root.size() + 1 || path.substr(0, root.size()) != root || path[root.size()] != '/') return false;
+    relative = std::string(path.substr(root.size() + 1));
+    return true;
+}
+
+RecordedRun Record(const std::string& root, const std::string& log) {
+    RecordedRun run;
+    const std::string command = "strace -f -y -qq -e trace=openat,read,getdents64,readlinkat -o '" + log +
+                                "' /proc/" + std::to_string(::getpid()) + "/exe " + c_onceFlag + " >/dev/null 2>&1";
+    if (std::system(command.c_str()) != 0) return run;
+    std::ifstream in(log);
+    std::string line;
+    std::string relative;
+    while (std::getline(in, line)) {
+        const std::string_view text = line;
+        const std::size_t result = text.rfind(") = ");
+        if (result == std::string_view::npos) continue;
+        const bool failed = text.compare(result + 4, 2, "-1") == 0;
+        if (text.find("openat(") != std::string_view::npos || text.find("readlinkat(") != std::string_view::npos) {
+            const bool underRoot = UnderRoot(DecoratedPath(text, text.find('(')), root, relative) ||
+                                   DecoratedPath(text, text.find('(')) == root;
+            if (failed && underRoot) ++run.failedCalls;
+            if (failed || text.find("readlinkat(") == std::string_view::npos) continue;
+            const std::string dir(DecoratedPath(text, text.find('(')));
+            if (UnderRoot(dir + "/" + std::string(QuotedArgument(text)), root, relative)) run.links.insert(relative);
+            else if (dir == root) run.links.insert(std::string(QuotedArgument(text)));
+        } else if (!failed && text.find("getdents64(") != std::string_view::npos) {
+            if (UnderRoot(DecoratedPath(text, text.find('(')), root, relative)) run.listings.insert(relative);
+        } else if (!failed && text.find("read(") != std::string_view::npos) {
+            if (UnderRoot(DecoratedPath(text, text.find('(')), root, relative)) run.files.insert(relative);
+        }
+    }
+    run.ok = !run.files.empty();
+    return run;
+}
+
+// The recorded files, listings and links with their directories opened once.
+class RecordedFloor {
+public:
+    RecordedFloor(const std::string& root, const RecordedRun& run) : m_root(::open(root.c_str(), O_PATH | O_DIRECTORY)) {
+        for (const std::string& file : run.files) m_files.push_back(Split(file));
+        for (const std::string& link : run.links) m_links.push_back(Split(link));
+        for (const std::string& listing : run.listings) m_listings.push_back(listing);
+    }
+    ~RecordedFloor() {
+        for (const auto& [dir, fd] : m_dirs) ::close(fd);
+        ::close(m_root);
+    }
+    RecordedFloor(const RecordedFloor&) = delete;
+    RecordedFloor& operator=(const RecordedFloor&) = delete;
+
+    void Read() const {
+        char buf[8192];
+        for (const auto& [dir, name] : m_files) {
+            const int fd = ::openat(dir, name.c_str(), O_RDONLY | O_CLOEXEC);
+            if (fd < 0) continue;
+            benchmark::DoNotOptimize(::read(fd, buf, sizeof buf));
+            ::close(fd);
+        }
+        for (const std::string& listing : m_listings) {
+            const int fd = ::openat(m_root, listing.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+            if (fd < 0) continue;
+            while (::syscall(SYS_getdents64, fd, buf, sizeof buf) > 0) {
+            }
+            ::close(fd);
+        }
+        for (const auto& [dir, name] : m_links) benchmark::DoNotOptimize(::readlinkat(dir, name.c_str(), buf, sizeof buf));
+    }
+
+private:
+    std::pair<int, std::string> Split(const std::string& path) {
+        const std::size_t slash = path.rfind('/');
+        const std::string dir = slash == std::string::npos ? "." : path.substr(0, slash);
+        auto found = m_dirs.find(dir);
+        if (found == m_dirs.end()) found = m_dirs.emplace(dir, ::openat(m_root, dir.c_str(), O_PATH | O_DIRECTORY)).first;
+        return {found->second, slash == std::string::npos ? path : path.substr(slash + 1)};
+    }
+
+    int m_root;
+    std::map<std::string, int> m_dirs;
+    std::vector<std::pair<int, std::string>> m_files;
+    std::vector<std::pair<int, std::string>> m_links;
+    std::vector<std::string> m_listings;
+};
+
+void BM_DksmiRun8Gpus(benchmark::State& state) {
+    dksml::vhost::ScopedHost host(EightGpuProfile());
+    const std::string root = host.Root().string();
+    const RecordedRun run = Record(root, root + ".strace");
+    std::remove((root + ".strace").c_str());
+    if (!run.ok) {
+        state.SkipWithError("could not record the run's files (is strace installed?)");
+        return;
+    }
+    RecordedFloor floor(root, run);
+    std::size_t tableBytes = 0;
+    dksml::bench::DkBenchBesideFloor(
+        state, [&] { tableBytes = RunDksmiOnce(); }, [&] { floor.Read(); });
+    state.counters["files"] = static_cast<double>(run.files.size());
+    state.counters["listings"] = static_cast<double>(run.listings.size());
+    state.counters["links"] = static_cast<double>(run.links.size());
+    state.counters["failed_calls"] = run.failedCalls;
+    state.counters["table_bytes"] = static_cast<double>(tableBytes);
+}
+BENCHMARK(BM_DksmiRun8Gpus)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    // The recorded run: the host root comes from DK_SMI_FSROOT, inherited.
+    if (argc > 1 && std::strcmp(argv[1], c_onceFlag) == 0) return RunDksmiOnce() > 0 ? 0 : 1;
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
