@@ -3,6 +3,7 @@
 
 #include "core/dk_system_manager.h"
 #include "core/dk_system_manager_state.h"
+#include "features/eeprom/dk_eeprom.h"
 
 namespace dksml {
 namespace {
@@ -12,10 +13,12 @@ constexpr uint32_t c_lastPfIndex = 99;
 constexpr size_t c_boardSerialSize = 32;
 constexpr uint32_t c_maxBoardDevices = sizeof(DkBoardInfo::deviceIds) / sizeof(DkBoardInfo::deviceIds[0]);
 
-// The EEPROM service does not read board serials yet (it answers 3): until it
-// does, no serial is known and every device gets the unknown board id.
-DkSmlReturn ReadBoardSerial(IDkDevice& /*device*/, char (&/*serial*/)[c_boardSerialSize]) {
-    return DK_SML_ERROR_NOT_SUPPORTED;
+// A private EEPROM service: grouping runs inside discovery, before the
+// registry's services are handed out for this pass.
+DkSmlReturn ReadBoardSerial(IDkDevice& device, char (&serial)[c_boardSerialSize]) {
+    DkEeprom eeprom;
+    uint32_t size = c_boardSerialSize;
+    return eeprom.GetBoardSerial(&device, serial, &size);
 }
 
 }  // namespace
