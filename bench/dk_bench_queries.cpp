@@ -8,7 +8,9 @@
 #include <string>
 
 #include "dk_bench_floor.h"
+#include "core/dk_system_manager.h"
 #include "dksml.h"
+#include "features/clock/dk_clock.h"
 #include "vhost/dk_virtual_host.h"
 
 namespace {
@@ -108,6 +110,22 @@ void BM_ExDeviceGetClockInfo(benchmark::State& state) {
         [&] { floor->Read(); });
 }
 BENCHMARK(BM_ExDeviceGetClockInfo);
+
+// One IP's clocks (the internal reading behind the per-IP clock answers).
+void BM_IpClocksFreq(benchmark::State& state) {
+    auto floor = PerDie("showclocks", 1);
+    std::shared_ptr<dksml::IDkDevice> device = dksml::DkSystemManager::GetInstance().GetDeviceById(0);
+    dksml::DkClock clock;
+    uint32_t freqs[DK_SML_CLOCK_MAX_VALUES] = {};
+    DkBenchBesideFloor(
+        state,
+        [&] {
+            uint32_t count = DK_SML_CLOCK_MAX_VALUES;
+            benchmark::DoNotOptimize(clock.GetIpClocksFreq(device.get(), DK_SML_CLOCK_IP_GPU, &count, freqs));
+        },
+        [&] { floor->Read(); });
+}
+BENCHMARK(BM_IpClocksFreq);
 
 // Floor: one readlinkat of the bus link.
 void BM_GetDeviceRealPath(benchmark::State& state) {

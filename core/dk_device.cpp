@@ -286,7 +286,13 @@ void DkDevice::SetDeviceName() {
         m_name = m_root->SiteChipName();
         if (!m_name.empty()) return;
     }
-    m_name = ReadFirstLine(GetSmiPath(0) + c_cardNameFile);
+    if (!m_dirs) OpenDirectories();
+    std::string text;
+    std::string_view line;
+    if (ReadFileTextAt(m_dirs->smi0.Get(), c_cardNameFile, text) == DK_SML_SUCCESS && DkTextLines(text).Next(line))
+        m_name = TrimView(line, " \t\r");
+    else
+        m_name.clear();
     if (!m_name.empty()) return;
     m_name = GetBoardNameByPciDeviceId(m_sysInfo.deviceId);
 }

@@ -14,7 +14,7 @@
 namespace dksml {
 namespace {
 
-constexpr const char* c_gpuvfFile = "/gpuvf";
+constexpr const char* c_gpuvfFile = "gpuvf";
 constexpr std::string_view c_vfEntryMarker = "VF #";
 constexpr std::string_view c_vfBusIdKey = "BusId:";
 constexpr std::string_view c_vfStateKey = "VF State:";
@@ -72,8 +72,9 @@ void DkSystemManager::ConnectPfAndVfDevice() {
         auto pfIt = s.devices.find(index);
         if (pfIt == s.devices.end()) break;
         std::shared_ptr<IDkDevice> pf = pfIt->second;
+        const std::shared_ptr<const DkDeviceDirs> dirs = pf->GetDeviceDirs();
         std::string text;
-        if (ReadFileText(HostPath(pf->GetDeviceDir() + c_gpuvfFile), text) != DK_SML_SUCCESS) continue;
+        if (!dirs || ReadFileTextAt(dirs->device.Get(), c_gpuvfFile, text) != DK_SML_SUCCESS) continue;
         std::vector<DkGpuvfEntry> entries = ParseGpuvfFile(text);
         if (entries.empty()) continue;
         pf->SetDeviceVirtualizationMode(DK_SML_VIRTUALIZATION_MODE_PF);
@@ -91,8 +92,9 @@ void DkSystemManager::ConnectPfAndVfDevice() {
 
 void DkSystemManager::GetRenderIdAndCardId() {
     State& s = *m_state;
+    const std::shared_ptr<const DkHostRoot> root = CurrentHostRoot();
     dirent** entries = nullptr;
-    int count = scandir(HostPath(c_driByPathDir).c_str(), &entries, nullptr, versionsort);
+    int count = scandirat(root->Fd(), DkHostRoot::Relative(c_driByPathDir).c_str(), &entries, nullptr, versionsort);
     if (count < 0) return;
     for (int i = 0; i < count; ++i) {
         std::string name = entries[i]->d_name;
@@ -105,9 +107,12 @@ void DkSystemManager::GetRenderIdAndCardId() {
         std::string_view kind = view.substr(dash + 1);
         auto device = s.bdfToDeviceIndex.find(std::string(view.substr(0, dash)));
         if (device == s.bdfToDeviceIndex.end() || (kind != "card" && kind != "render")) continue;
-        std::string target = RealHostPath(std::string(c_driByPathDir) + "/" + name);
+        // One readlinkat: the by-path links point straight at the node.
+        char target[4096];
+        const std::size_t length =
+            root->ResolveLink(std::string(c_driByPathDir) + "/" + name, target, sizeof target);
         uint32_t number = 0;
-        if (!TrailingNumber(target, number)) continue;
+        if (length == 0 || !TrailingNumber(std::string_view(target, length), number)) continue;
         IDkDevice& dev = *s.devices[device->second];
         if (kind == "card") dev.SetDeviceCardId(number);
         else dev.SetDeviceRenderId(number);

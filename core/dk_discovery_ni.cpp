@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 #include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
 #include <string_view>
 
 #include "core/dk_file_text.h"
@@ -24,31 +26,34 @@ uint32_t GetNicEnvVendorId() {
     return vendorId;
 }
 
-bool CheckIsRoceEnabled(const std::string& deviceDir) {
+bool CheckIsRoceEnabled(const DkPciEntry& entry) {
     unsigned int enabled = 0;
-    return ReadFirstNumber(HostPath(deviceDir) + "/roce_enable", enabled, 10) && enabled == 1;
+    return ReadFirstNumberAt(entry.dirFd, entry.File("roce_enable").c_str(), enabled, 10) && enabled == 1;
 }
 
-bool CheckIsInfinibandEnabled(const std::string& deviceDir) {
-    DIR* dir = opendir((HostPath(deviceDir) + "/infiniband").c_str());
-    if (dir == nullptr) return false;
+bool CheckIsInfinibandEnabled(const DkPciEntry& entry) {
+    const int fd = ::openat(entry.dirFd, entry.File("infiniband").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) return false;
+    DIR* dir = ::fdopendir(fd);
+    if (dir == nullptr) {
+        ::close(fd);
+        return false;
+    }
     bool hasPort = false;
-    while (const dirent* entry = readdir(dir)) {
-        std::string_view name = entry->d_name;
+    while (const dirent* item = ::readdir(dir)) {
+        std::string_view name = item->d_name;
         if (name != "." && name != "..") {
             hasPort = true;
             break;
         }
     }
-    closedir(dir);
+    ::closedir(dir);
     return hasPort;
 }
 
-bool CheckIsTargetNi(const std::string& deviceDir, uint32_t nicVendorId) {
-    if (nicVendorId == 0) return false;
-    unsigned int vendorId = 0;
-    if (!ReadFirstNumber(HostPath(deviceDir) + "/vendor", vendorId, 0) || vendorId != nicVendorId) return false;
-    return CheckIsRoceEnabled(deviceDir) || CheckIsInfinibandEnabled(deviceDir);
+bool CheckIsTargetNi(const DkPciEntry& entry, uint32_t vendorId, uint32_t nicVendorId) {
+    if (nicVendorId == 0 || vendorId != nicVendorId) return false;
+    return CheckIsRoceEnabled(entry) || CheckIsInfinibandEnabled(entry);
 }
 
 void DkSystemManager::ParseTargetNiNodeInfo(const std::string& deviceDir, const std::string& bdfId) {

@@ -13,14 +13,15 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
+
+#include "core/dk_pci_entry.h"
 
 namespace dksml {
 
 uint32_t GetNicEnvVendorId();
-// `deviceDir` is a host path.
-bool CheckIsTargetNi(const std::string& deviceDir, uint32_t nicVendorId);
-bool CheckIsRoceEnabled(const std::string& deviceDir);
-bool CheckIsInfinibandEnabled(const std::string& deviceDir);
+// `vendorId` is the function's "vendor" as the scan read it (0 when unreadable).
+bool CheckIsTargetNi(const DkPciEntry& entry, uint32_t vendorId, uint32_t nicVendorId);
+bool CheckIsRoceEnabled(const DkPciEntry& entry);
+bool CheckIsInfinibandEnabled(const DkPciEntry& entry);
 
 }  // namespace dksml

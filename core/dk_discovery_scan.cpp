@@ -8,6 +8,7 @@
 #include "core/dk_discovery_ni.h"
 #include "core/dk_driver_data_handler_factory.h"
 #include "core/dk_host_root.h"
+#include "core/dk_pci_entry.h"
 #include "core/dk_system_manager.h"
 #include "core/dk_system_manager_state.h"
 #include "driver/dk_text.h"
@@ -16,39 +17,49 @@ namespace dksml {
 
 namespace {
 
-constexpr uint32_t c_noDevice = UINT32_MAX;
 constexpr uint32_t c_lastPfIndex = 99;
 // A device answers through its driver only when these open and hold a line.
-constexpr const char* c_accessProbeFiles[] = {"pcipowerstate", "showvendorid"};
+constexpr const char* c_accessProbeFiles[] = {"smi/pcipowerstate", "smi/showvendorid"};
 
-bool CheckIsSysfsAccessible(const std::string& path) {
-    std::string text;
-    if (ReadFileText(path, text) != DK_SML_SUCCESS) return false;
+// A file that opens and holds a line, read through this thread's scratch
+// text; `status` is the read's own status.
+bool CheckIsSysfsAccessible(const DkPciEntry& entry, const char* file, DkSmlReturn& status) {
+    thread_local std::string text;
+    status = ReadFileTextAt(entry.dirFd, entry.File(file).c_str(), text);
+    if (status != DK_SML_SUCCESS) return false;
     DkTextLines lines(text);
     std::string_view line;
     return lines.Next(line);
 }
 
-bool CheckIsDeviceAccessible(const std::string& deviceDir) {
-    const std::string smiDir = HostPath(deviceDir) + "/smi/";
-    for (const char* file : c_accessProbeFiles)
-        if (!CheckIsSysfsAccessible(smiDir + file)) return false;
+// The first probe is "pcipowerstate": its status is handed on so that the
+// reason of a limited device needs no second look at it.
+bool CheckIsDeviceAccessible(const DkPciEntry& entry, DkSmlReturn& powerState) {
+    DkSmlReturn status = DK_SML_SUCCESS;
+    for (const char* file : c_accessProbeFiles) {
+        const bool accessible = CheckIsSysfsAccessible(entry, file, status);
+        if (file == c_accessProbeFiles[0]) powerState = status;
+        if (!accessible) return false;
+    }
     return true;
 }
 
 }  // namespace
 
 void DkSystemManager::DiscoverDkDevices(const std::string& searchPath) {
+    // One descriptor for the search directory: every function's files are
+    // opened relative to it, and the listing reads it too.
+    const DkDirFd searchDir = CurrentHostRoot()->OpenDir(searchPath);
+    if (!searchDir.IsOpen()) return;
     dirent** entries = nullptr;
-    int count = scandir(HostPath(searchPath).c_str(), &entries, nullptr, alphasort);
+    int count = scandirat(searchDir.Get(), ".", &entries, nullptr, alphasort);
     if (count < 0) return;
     const uint32_t nicVendorId = GetNicEnvVendorId();
     std::vector<DkLimitedDeviceInfo> limited;
     for (int i = 0; i < count; ++i) {
-        std::string name = entries[i]->d_name;
+        const std::string_view name = entries[i]->d_name;
+        if (name != "." && name != "..") ScanPciEntry(searchPath, DkPciEntry{searchDir.Get(), name}, nicVendorId, limited);
         std::free(entries[i]);
-        if (name == "." || name == "..") continue;
-        ScanPciEntry(searchPath, name, nicVendorId, limited);
     }
     std::free(entries);
 
@@ -59,18 +70,20 @@ void DkSystemManager::DiscoverDkDevices(const std::string& searchPath) {
     }
 }
 
-void DkSystemManager::ScanPciEntry(const std::string& searchPath, const std::string& name, uint32_t nicVendorId,
+void DkSystemManager::ScanPciEntry(const std::string& searchPath, const DkPciEntry& entry, uint32_t nicVendorId,
                                    std::vector<DkLimitedDeviceInfo>& limited) {
-    const std::string deviceDir = searchPath + "/" + name;
     DkSysInfo info;
-    info.bdfId = name;
-    if (!GetDkDeviceInfo(deviceDir, info)) {
-        if (CheckIsTargetNi(deviceDir, nicVendorId)) ParseTargetNiNodeInfo(deviceDir, name);
+    if (!GetDkDeviceInfo(entry, searchPath, info)) {
+        if (CheckIsTargetNi(entry, info.vendorId, nicVendorId))
+            ParseTargetNiNodeInfo(searchPath + "/" + std::string(entry.name), std::string(entry.name));
         return;
     }
-    if (CheckIsInfinibandEnabled(deviceDir)) ParseTargetNiNodeInfo(deviceDir, name);
-    if (!CheckIsDeviceAccessible(deviceDir) || (!info.isVf && m_state->gpuNodeMap.count(name) == 0)) {
-        AppendLimitedDevice(info, limited);
+    info.bdfId = entry.name;
+    const std::string deviceDir = searchPath + "/" + info.bdfId;
+    if (CheckIsInfinibandEnabled(entry)) ParseTargetNiNodeInfo(deviceDir, info.bdfId);
+    DkSmlReturn powerState = DK_SML_SUCCESS;
+    if (!CheckIsDeviceAccessible(entry, powerState) || (!info.isVf && m_state->gpuNodeMap.count(info.bdfId) == 0)) {
+        AppendLimitedDevice(info, powerState, limited);
         return;
     }
     CreateDevice(searchPath, info);
@@ -124,14 +137,15 @@ void DkSystemManager::AddDieKeys(const std::shared_ptr<IDkDevice>& device) {
     }
 }
 
-void DkSystemManager::AppendLimitedDevice(const DkSysInfo& info, std::vector<DkLimitedDeviceInfo>& limited) const {
+void DkSystemManager::AppendLimitedDevice(const DkSysInfo& info, DkSmlReturn powerState,
+                                          std::vector<DkLimitedDeviceInfo>& limited) const {
     DkLimitedDeviceInfo record;
     record.bdfId = info.bdfId;
     record.vendorId = info.vendorId;
     record.deviceId = info.deviceId;
     record.isVf = info.isVf;
     // The record keeps the reason even when "/proc/modules" cannot be read.
-    CheckNodeInvalidReason(info.bdfId, record.reason, record.reasonText);
+    CheckNodeInvalidReason(info.bdfId, record.reason, record.reasonText, &powerState);
     limited.push_back(std::move(record));
 }
 

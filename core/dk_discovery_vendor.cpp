@@ -4,6 +4,7 @@
 
 #include "core/dk_file_text.h"
 #include "core/dk_host_root.h"
+#include "core/dk_pci_entry.h"
 #include "core/dk_pci_ids.h"
 #include "core/dk_system_manager.h"
 #include "core/dk_system_manager_state.h"
@@ -21,6 +22,12 @@ constexpr std::string_view c_vfDriverName = "DKGVM";
 uint32_t ReadIdFile(const std::string& path) {
     unsigned int value = 0;
     return ReadFirstNumber(path, value, 0) ? value : 0;
+}
+
+// The same for one of a PCI function's id files, relative to the scan's directory.
+uint32_t ReadIdFile(const DkPciEntry& entry, const char* file) {
+    unsigned int value = 0;
+    return ReadFirstNumberAt(entry.dirFd, entry.File(file).c_str(), value, 0) ? value : 0;
 }
 
 }  // namespace
@@ -41,13 +48,13 @@ void DkSystemManager::InitVendorId() {
     s.acceptedVendorIds.insert(c_makerPartnerVendorId);
 }
 
-// Identity of the PCI function at `deviceDir` (a host path). False when it is
-// no GPU function that the library serves; `info` then still carries its ids.
-bool DkSystemManager::GetDkDeviceInfo(const std::string& deviceDir, DkSysInfo& info) const {
-    const std::string dir = HostPath(deviceDir);
+// Identity of the PCI function `entry` of the directory `searchPath` (a host path).
+// False when it is no GPU function that the library serves; `info` then
+// still carries its ids.
+bool DkSystemManager::GetDkDeviceInfo(const DkPciEntry& entry, const std::string& searchPath, DkSysInfo& info) const {
     // The vendor decides first: most PCI functions of a host are not GPUs,
     // and their other id files are never needed.
-    info.vendorId = ReadIdFile(dir + "/vendor");
+    info.vendorId = ReadIdFile(entry, "vendor");
     // Also asked for limited devices by readers: the held state, not the pass's.
     const auto& accepted = ReadState().acceptedVendorIds;
     const bool oemCandidate = c_vendorFlag && info.vendorId == c_oemVendorId;
@@ -55,18 +62,18 @@ bool DkSystemManager::GetDkDeviceInfo(const std::string& deviceDir, DkSysInfo& i
         info.deviceId = c_noDevice;
         return false;
     }
-    info.deviceId = ReadIdFile(dir + "/device");
+    info.deviceId = ReadIdFile(entry, "device");
     const bool served = accepted.count(info.vendorId) != 0 || (oemCandidate && info.deviceId == c_oemDeviceId);
     if (!served || info.deviceId == 0) {
         info.deviceId = c_noDevice;
         return false;
     }
-    info.subsystemVendorId = ReadIdFile(dir + "/subsystem_vendor");
-    info.subsystemDeviceId = ReadIdFile(dir + "/subsystem_device");
+    info.subsystemVendorId = ReadIdFile(entry, "subsystem_vendor");
+    info.subsystemDeviceId = ReadIdFile(entry, "subsystem_device");
     // The "driver" link names the bound driver in its last component: one
     // readlinkat, no walk of the whole path.
     char driver[4096];
-    const std::size_t length = CurrentHostRoot()->ResolveLink(deviceDir + "/driver", driver, sizeof driver);
+    const std::size_t length = CurrentHostRoot()->ResolveLink(searchPath + "/" + std::string(entry.name) + "/driver", driver, sizeof driver);
     info.isVf = std::string_view(driver, length).find(c_vfDriverName) != std::string_view::npos;
     return true;
 }

@@ -21,6 +21,16 @@ bool ReadFirstNumber(const std::string& path, unsigned int& value, int base) {
     return !line.empty() && stoui_nt(line, value, base);
 }
 
+bool ReadFirstNumberAt(int dirFd, const char* name, unsigned int& value, int base) {
+    thread_local std::string scratch;
+    if (ReadFileTextAt(dirFd, name, scratch) != DK_SML_SUCCESS) return false;
+    DkTextLines lines(scratch);
+    std::string_view line;
+    if (!lines.Next(line)) return false;
+    line = TrimView(line, " \t\r");
+    return !line.empty() && stoui_nt(line, value, base);
+}
+
 bool DirectoryOpens(const std::string& path) {
     DIR* dir = opendir(path.c_str());
     if (dir == nullptr) return false;

@@ -1,11 +1,16 @@
 // The driver's layout nodes ("layout/nodes/N/"): which GPU sits at which bus
-// id under which driver GPU id, its properties, UUID and links.
+// id under which driver GPU id, its properties and UUID. The link records
+// are left to the topology tables, which read them when first asked.
 #include <algorithm>
 #include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <string>
 #include <string_view>
 #include <vector>
 
-#include "core/dk_file_text.h"
 #include "core/dk_host_root.h"
 #include "core/dk_system_manager.h"
 #include "core/dk_system_manager_state.h"
@@ -16,24 +21,23 @@ namespace {
 
 constexpr std::string_view c_cpuNodeType = "cpu";
 constexpr std::string_view c_sliceNodeType = "sgpu-sub-dev";
-constexpr uint32_t c_linkNodeModulus = 65536;
-
-template <typename T>
-bool ReadNumberFile(const std::string& path, T& value) {
-    return ReadSysfs(path, ExtractRawValueStr, value) == DK_SML_SUCCESS;
-}
 
 // Entries of a directory whose names are decimal numbers, in numeric order.
-std::vector<uint32_t> ListNumberedEntries(const std::string& dirPath) {
+std::vector<uint32_t> ListNumberedEntries(int dirFd) {
     std::vector<uint32_t> numbers;
-    DIR* dir = opendir(dirPath.c_str());
-    if (dir == nullptr) return numbers;
-    while (const dirent* entry = readdir(dir)) {
+    const int fd = ::openat(dirFd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) return numbers;
+    DIR* dir = ::fdopendir(fd);
+    if (dir == nullptr) {
+        ::close(fd);
+        return numbers;
+    }
+    while (const dirent* entry = ::readdir(dir)) {
         std::string_view name = entry->d_name;
         unsigned int number = 0;
         if (IsNumber(name) && stoui_nt(name, number)) numbers.push_back(number);
     }
-    closedir(dir);
+    ::closedir(dir);
     std::sort(numbers.begin(), numbers.end());
     return numbers;
 }
@@ -48,17 +52,76 @@ bool SplitKeyValue(std::string_view line, std::string_view& key, std::string_vie
     return true;
 }
 
-// GetGpuId: "gid" where the driver provides it, else "gpu_id"; 0 when unreadable.
-uint32_t GetGpuId(const std::string& nodeDir) {
-    unsigned int gpuId = 0;
-    if (!ReadNumberFile(nodeDir + "gid", gpuId)) ReadNumberFile(nodeDir + "gpu_id", gpuId);
-    return gpuId;
-}
+}  // namespace
+
+// The files of the layout nodes, each opened relative to the layout
+// directory ("N/gpu_id") into one scratch text.
+class DkLayoutReader {
+public:
+    explicit DkLayoutReader(int layoutFd) : m_layoutFd(layoutFd) {}
+
+    // The whole file; false when it cannot be read.
+    bool Text(uint32_t nodeId, const char* file, std::string_view& text) {
+        DkSmlReturn status = Read(nodeId, file);
+        if (status != DK_SML_SUCCESS) return false;
+        text = m_scratch;
+        return true;
+    }
+
+    // First line without surrounding blanks; empty when unreadable or empty.
+    std::string_view FirstLine(uint32_t nodeId, const char* file) {
+        std::string_view text, line;
+        if (!Text(nodeId, file, text)) return {};
+        DkTextLines lines(text);
+        if (!lines.Next(line)) return {};
+        return TrimView(line, " \t\r");
+    }
+
+    template <typename T>
+    bool Number(uint32_t nodeId, const char* file, T& value) {
+        std::string_view text;
+        if (!Text(nodeId, file, text)) return false;
+        DkTextLines lines(text);
+        return ReadSysfs(lines, ExtractRawValueStr, value) == DK_SML_SUCCESS;
+    }
+
+    // GetGpuId: "gid" where the driver provides it, else "gpu_id"; 0 when
+    // unreadable. A driver that lacks "gid" on a GPU node lacks it on every
+    // node, so one absent "gid" of a GPU node spares the others the attempt.
+    uint32_t GpuId(uint32_t nodeId) {
+        unsigned int gpuId = 0;
+        if (!m_gidAbsent) {
+            const DkSmlReturn status = Read(nodeId, "gid");
+            if (status == DK_SML_SUCCESS) {
+                DkTextLines lines(m_scratch);
+                if (ReadSysfs(lines, ExtractRawValueStr, gpuId) == DK_SML_SUCCESS) return gpuId;
+            }
+            if (Number(nodeId, "gpu_id", gpuId) && gpuId != 0 && status == DK_SML_ERROR_NOT_SUPPORTED)
+                m_gidAbsent = true;
+            return gpuId;
+        }
+        Number(nodeId, "gpu_id", gpuId);
+        return gpuId;
+    }
+
+private:
+    DkSmlReturn Read(uint32_t nodeId, const char* file) {
+        char name[64];
+        std::snprintf(name, sizeof name, "%u/%s", nodeId, file);
+        return ReadFileTextAt(m_layoutFd, name, m_scratch);
+    }
+
+    int m_layoutFd;
+    bool m_gidAbsent = false;
+    std::string m_scratch;
+};
+
+namespace {
 
 // GetGpuProperty: the four properties the library uses; other keys are ignored.
-void GetGpuProperty(const std::string& nodeDir, DkGpuNodeInfo& node) {
-    std::string text;
-    if (ReadFileText(nodeDir + "properties", text) != DK_SML_SUCCESS) return;
+void GetGpuProperty(DkLayoutReader& reader, uint32_t nodeId, DkGpuNodeInfo& node) {
+    std::string_view text;
+    if (!reader.Text(nodeId, "properties", text)) return;
     DkTextLines lines(text);
     std::string_view line, key, value;
     while (lines.Next(line)) {
@@ -73,69 +136,45 @@ void GetGpuProperty(const std::string& nodeDir, DkGpuNodeInfo& node) {
 }
 
 // GetGpuBdfId: the "location" line; a bus id needs both ':' and '.'.
-bool GetGpuBdfId(const std::string& nodeDir, std::string& bdfId) {
-    std::string location = ReadFirstLine(nodeDir + "location");
-    if (location.find(':') == std::string::npos || location.find('.') == std::string::npos) return false;
+bool GetGpuBdfId(DkLayoutReader& reader, uint32_t nodeId, std::string& bdfId) {
+    const std::string_view location = reader.FirstLine(nodeId, "location");
+    if (location.find(':') == std::string_view::npos || location.find('.') == std::string_view::npos) return false;
     bdfId = location;
     return true;
 }
 
-std::string GetGpuUuid(const std::string& nodeDir) { return ReadFirstLine(nodeDir + "unique_id"); }
-
 }  // namespace
-
-void DkSystemManager::GetLinksInfo(const std::string& linksDir, std::vector<DkLinkAttr>& links) {
-    for (uint32_t number : ListNumberedEntries(linksDir)) {
-        std::string text;
-        if (ReadFileText(linksDir + std::to_string(number) + "/properties", text) != DK_SML_SUCCESS) continue;
-        DkLinkAttr link;
-        bool hasTo = false, hasType = false;
-        DkTextLines lines(text);
-        std::string_view line, key, value;
-        while (lines.Next(line)) {
-            unsigned long number64 = 0;
-            if (!SplitKeyValue(line, key, value) || !stoul_nt(value, number64)) continue;
-            if (key == "to") {
-                link.to = static_cast<uint32_t>(number64 % c_linkNodeModulus);
-                hasTo = true;
-            } else if (key == "type") {
-                link.type = static_cast<uint32_t>(number64);
-                hasType = true;
-            } else if (key == "distance") {
-                link.distance = static_cast<uint32_t>(number64);
-            }
-        }
-        if (hasTo && hasType) links.push_back(link);
-    }
-}
 
 void DkSystemManager::ParseLayoutNodeInfo() {
     State& s = *m_state;
     s.cpuNodeCount = 0;
-    const std::string layoutDir = HostPath(s.layoutPath);
-    for (uint32_t nodeId : ListNumberedEntries(layoutDir)) {
-        const std::string nodeDir = layoutDir + std::to_string(nodeId) + "/";
-        uint32_t gpuId = GetGpuId(nodeDir);
-        if (gpuId == 0 && ReadFirstLine(nodeDir + "type") == c_cpuNodeType) {
+    const DkDirFd layoutDir = CurrentHostRoot()->OpenDir(s.layoutPath);
+    if (!layoutDir.IsOpen()) return;
+    DkLayoutReader reader(layoutDir.Get());
+    for (uint32_t nodeId : ListNumberedEntries(layoutDir.Get())) {
+        const uint32_t gpuId = reader.GpuId(nodeId);
+        // The type is read once and handed on: a GPU node needs it too.
+        const std::string type(reader.FirstLine(nodeId, "type"));
+        if (gpuId == 0 && type == c_cpuNodeType) {
             ++s.cpuNodeCount;
             continue;
         }
-        ParseGpuNode(nodeDir, nodeId, gpuId);
+        ParseGpuNode(reader, nodeId, gpuId, type);
     }
 }
 
-void DkSystemManager::ParseGpuNode(const std::string& nodeDir, uint32_t nodeId, uint32_t gpuId) {
+void DkSystemManager::ParseGpuNode(DkLayoutReader& reader, uint32_t nodeId, uint32_t gpuId, const std::string& type) {
     State& s = *m_state;
     DkGpuNodeInfo node;
     node.nodeId = nodeId;
     node.gpuId = gpuId;
-    GetGpuProperty(nodeDir, node);
-    if (!GetGpuBdfId(nodeDir, node.bdfId)) return;
+    GetGpuProperty(reader, nodeId, node);
+    if (!GetGpuBdfId(reader, nodeId, node.bdfId)) return;
     s.gpuBdfIdMap[gpuId] = node.bdfId;
 
-    if (ReadFirstLine(nodeDir + "type") == c_sliceNodeType) {
+    if (type == c_sliceNodeType) {
         unsigned int localId = 0;
-        if (ReadNumberFile(nodeDir + "local_id", localId)) s.sgpuIdMap[gpuId] = localId;
+        if (reader.Number(nodeId, "local_id", localId)) s.sgpuIdMap[gpuId] = localId;
         return;
     }
     // Nodes come in numeric order: the first node of a bus id is die 0, a
@@ -144,10 +183,8 @@ void DkSystemManager::ParseGpuNode(const std::string& nodeDir, uint32_t nodeId, 
         s.secondDieGpuIds.emplace(node.bdfId, gpuId);
         return;
     }
-    ReadNumberFile(nodeDir + "active", node.active);
-    node.uuid = GetGpuUuid(nodeDir);
-    GetLinksInfo(nodeDir + "direct_links/", node.directLinks);
-    GetLinksInfo(nodeDir + "indirect_links/", node.indirectLinks);
+    reader.Number(nodeId, "active", node.active);
+    node.uuid = reader.FirstLine(nodeId, "unique_id");
     s.gpuNodeMap.emplace(node.bdfId, std::move(node));
 }
 

@@ -130,8 +130,9 @@ DkSmlReturn DkSystemManager::InitializeForLinux(const std::string& searchPath,
     GetRenderIdAndCardId();
     ConstructBoardIdMap();
     m_state->sysUtils = sysUtils ? std::move(sysUtils) : std::make_unique<DkSysUtils>();
-    m_state->topology = CreateTopology(m_state->sysUtils.get(), {m_state->gpuNodeMap, m_state->availableDeviceCount,
-                                                                m_state->niNodeList, m_state->devices});
+    m_state->topology = std::make_shared<const DkTopologySlot>(m_state->sysUtils, m_state->gpuNodeMap,
+                                                               m_state->availableDeviceCount, m_state->niNodeList,
+                                                               m_state->devices);
     // The process-accounting object is built from this pass's devices, before
     // the state is published.
     m_state->processManagement = DkProcessManagementFactory::CreateProcessManagement(
@@ -185,7 +186,8 @@ DkSysUtils* DkSystemManager::GetSysUtils() const { return ReadState().sysUtils.g
 
 std::shared_ptr<DkTopology> DkSystemManager::GetTopology() const {
     Hold hold;
-    return ReadState().topology;
+    const std::shared_ptr<const DkTopologySlot>& slot = ReadState().topology;
+    return slot ? slot->Get() : nullptr;
 }
 
 std::shared_ptr<IDkProcessManagement> DkSystemManager::GetProcessManagement() const {

@@ -29,6 +29,8 @@
 namespace dksml {
 
 class DkDevice;
+class DkLayoutReader;
+struct DkPciEntry;
 class DkTopology;
 class IDkDeviceFactory;
 class IDkProcessManagement;
@@ -64,8 +66,6 @@ struct DkGpuNodeInfo {
     std::string bdfId;
     std::string uuid;
     int32_t active = 0;
-    std::vector<DkLinkAttr> directLinks;
-    std::vector<DkLinkAttr> indirectLinks;
     uint32_t deviceIndex = UINT32_MAX;
 };
 
@@ -206,22 +206,22 @@ private:
     void AssignHandles();
     void ChooseDriverDirectories();
     void InitVendorId();
-    bool GetDkDeviceInfo(const std::string& deviceDir, DkSysInfo& info) const;
+    bool GetDkDeviceInfo(const DkPciEntry& entry, const std::string& searchPath, DkSysInfo& info) const;
 
     // Layout nodes.
     void ParseLayoutNodeInfo();
-    void ParseGpuNode(const std::string& nodeDir, uint32_t nodeId, uint32_t gpuId);
-    static void GetLinksInfo(const std::string& linksDir, std::vector<DkLinkAttr>& links);
+    void ParseGpuNode(DkLayoutReader& reader, uint32_t nodeId, uint32_t gpuId, const std::string& type);
 
     // PCI scan.
     void DiscoverDkDevices(const std::string& searchPath);
-    void ScanPciEntry(const std::string& searchPath, const std::string& name, uint32_t nicVendorId,
+    void ScanPciEntry(const std::string& searchPath, const DkPciEntry& entry, uint32_t nicVendorId,
                       std::vector<DkLimitedDeviceInfo>& limited);
     void CreateDevice(const std::string& searchPath, const DkSysInfo& info);
     uint32_t AssignDeviceIdForNewDevice(bool isVf);
     void SetDeviceAttribute(IDkDevice& device, const DkSysInfo& info) const;
     void AddDieKeys(const std::shared_ptr<IDkDevice>& device);
-    void AppendLimitedDevice(const DkSysInfo& info, std::vector<DkLimitedDeviceInfo>& limited) const;
+    void AppendLimitedDevice(const DkSysInfo& info, DkSmlReturn powerState,
+                             std::vector<DkLimitedDeviceInfo>& limited) const;
     void ParseTargetNiNodeInfo(const std::string& deviceDir, const std::string& bdfId);
 
     // After the scan.
@@ -229,7 +229,10 @@ private:
     void GetRenderIdAndCardId();
 
     // Limited devices and boards.
-    DkSmlReturn CheckNodeInvalidReason(const std::string& bdfId, uint32_t& reason, std::string& text) const;
+    // `powerState`: the status of the scan's own read of "smi/pcipowerstate",
+    // when there was one; else the file is read here.
+    DkSmlReturn CheckNodeInvalidReason(const std::string& bdfId, uint32_t& reason, std::string& text,
+                                       const DkSmlReturn* powerState = nullptr) const;
     const DkLimitedDeviceInfo* FindLimitedDevice(uint32_t deviceIndex) const;
     void ConstructBoardIdMap();
 

@@ -6,6 +6,7 @@
 #include "core/dk_driver_data_handler_factory.h"
 #include "core/dk_file_text.h"
 #include "core/dk_host_root.h"
+#include "core/dk_pci_entry.h"
 #include "core/dk_system_manager.h"
 #include "core/dk_system_manager_state.h"
 #include "driver/dk_text.h"
@@ -55,16 +56,22 @@ void FillReason(DkSmlDeviceUnavailableReasonInfo* info, uint32_t reason) {
 
 // Reason 100 also stands when "/proc/modules" cannot be read (the driver
 // cannot be confirmed as loaded); the status then is 4.
-DkSmlReturn DkSystemManager::CheckNodeInvalidReason(const std::string& bdfId, uint32_t& reason,
-                                                    std::string& text) const {
+DkSmlReturn DkSystemManager::CheckNodeInvalidReason(const std::string& bdfId, uint32_t& reason, std::string& text,
+                                                    const DkSmlReturn* powerState) const {
     bool installed = false;
     DkSmlReturn result = CheckIsDriverInstalled(installed);
     if (result != DK_SML_SUCCESS || !installed) {
         reason = DK_SML_UNAVAILABLE_DRIVER_NOT_FOUND;
     } else {
-        const std::string powerState = HostPath(ReadState().searchPath + "/" + bdfId + "/smi/pcipowerstate");
-        std::string content;
-        bool unreadable = CheckIfFileExist(powerState) && ReadFileText(powerState, content) != DK_SML_SUCCESS;
+        // One open tells "absent" (3) from "there but unreadable" (4).
+        DkSmlReturn status = powerState != nullptr ? *powerState : DK_SML_SUCCESS;
+        if (powerState == nullptr) {
+            const DkDirFd searchDir = CurrentHostRoot()->OpenDir(ReadState().searchPath);
+            const DkPciEntry entry{searchDir.Get(), bdfId};
+            std::string content;
+            status = ReadFileTextAt(searchDir.Get(), entry.File("smi/pcipowerstate").c_str(), content);
+        }
+        const bool unreadable = status == DK_SML_ERROR_SYSFS;
         reason = unreadable ? DK_SML_UNAVAILABLE_SYSFS_INACCESSIBLE : DK_SML_UNAVAILABLE_LAYOUT_NODE_NOT_FOUND;
     }
     text = ReasonText(reason);
@@ -164,7 +171,9 @@ std::shared_ptr<IDkDevice> DkSystemManager::MockDevice(const std::string& device
     if (slash == std::string::npos || slash + 1 >= deviceDir.size()) return nullptr;
     DkSysInfo info;
     info.bdfId = deviceDir.substr(slash + 1);
-    GetDkDeviceInfo(deviceDir, info);
+    const std::string searchPath = deviceDir.substr(0, slash);
+    const DkDirFd searchDir = CurrentHostRoot()->OpenDir(searchPath);
+    GetDkDeviceInfo(DkPciEntry{searchDir.Get(), info.bdfId}, searchPath, info);
     auto device = std::make_shared<DkDevice>(deviceDir.substr(0, slash));
     device->SetAttributeWithHandler(info, DkDriverDataHandlerFactory::CreateDriverDataHandler());
     return device;

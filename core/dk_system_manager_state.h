@@ -15,6 +15,7 @@
 
 #include "core/dk_device_factory.h"
 #include "core/dk_system_manager.h"
+#include "core/dk_topology_slot.h"
 
 namespace dksml {
 
@@ -34,9 +35,10 @@ struct DkSystemManager::State {
     bool dkcdPathGiven = false, managerPathGiven = false;
     std::string searchPath;  // of the last pass, for limited-device paths
     std::shared_ptr<DkSysUtils> sysUtils;
-    // Built by the pass from the layout tables, like everything else here;
-    // empty until their builders exist, and their callers then answer 6.
-    std::shared_ptr<DkTopology> topology;
+    // Topology is built from this pass's records on first use (see
+    // dk_topology_slot.h); empty when the pass found no device, and its
+    // callers then answer 6.
+    std::shared_ptr<const DkTopologySlot> topology;
     std::shared_ptr<IDkProcessManagement> processManagement;
 
     std::map<std::string, DkGpuNodeInfo> gpuNodeMap;               // bus id -> layout node

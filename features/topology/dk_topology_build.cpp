@@ -1,14 +1,20 @@
 // Building the tables once per discovery pass: NUMA nodes from the PCI
 // functions' files, GPU levels and distances from the layout's link records,
 // sockets from "showtopology", and the interconnect peers of every GPU.
+// The link records are read here, through each device's layout node
+// directory, and nowhere else.
 #include <cstring>
 #include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include "core/dk_file_text.h"
 #include "core/dk_host_root.h"
 #include "core/idk_device.h"
 #include "driver/dk_text.h"
 #include "features/topology/dk_cpu_list.h"
+#include "features/topology/dk_node_links.h"
 #include "features/topology/dk_topology.h"
 
 namespace dksml {
@@ -43,6 +49,14 @@ bool ReadHostFirstLine(const std::string& hostPath, std::string& scratch, std::s
     if (ReadFileText(HostPath(hostPath), scratch) != DK_SML_SUCCESS) return false;
     DkTextLines lines(scratch);
     return lines.Next(line);
+}
+
+// The layout node directory the device keeps open; -1 without one.
+int NodeDirectory(const DkTopologyInputs& inputs, uint32_t deviceIndex) {
+    const auto device = inputs.devices.find(deviceIndex);
+    if (device == inputs.devices.end() || !device->second) return -1;
+    const std::shared_ptr<const DkDeviceDirs> dirs = device->second->GetDeviceDirs();
+    return dirs ? dirs->node.Get() : -1;
 }
 
 }  // namespace
@@ -104,24 +118,31 @@ void DkTopology::GenerateTopoTable(const DkTopologyInputs& inputs) {
         m_topoMatrix[i][i] = DK_SML_TOPOLOGY_SAME_DEVICE;
         m_distanceMatrix[i][i] = 0;
     }
+    // The far end of an interconnect record by node id: the first node of that
+    // id in bus-id order.
+    std::unordered_map<uint32_t, const std::pair<const std::string, DkGpuNodeInfo>*> nodeById;
+    for (const auto& entry : inputs.gpuNodes) nodeById.emplace(entry.second.nodeId, &entry);
+    std::vector<DkLinkAttr> directLinks, indirectLinks;
     for (const auto& [bdf, node] : inputs.gpuNodes) {
         if (node.deviceIndex >= n) continue;
         m_topologyIds[node.deviceIndex] = node.topologyId;
+        directLinks.clear();
+        indirectLinks.clear();
+        ReadNodeLinks(NodeDirectory(inputs, node.deviceIndex), directLinks, indirectLinks);
         // Indirect first, so that a direct record for the same peer wins.
-        FillGpuTopoInfo(node.deviceIndex, node.indirectLinks, deviceOfNode);
-        FillGpuTopoInfo(node.deviceIndex, node.directLinks, deviceOfNode);
+        FillGpuTopoInfo(node.deviceIndex, indirectLinks, deviceOfNode);
+        FillGpuTopoInfo(node.deviceIndex, directLinks, deviceOfNode);
         std::vector<DkSmlDravikLinkRemoteInfo>& remotes = m_remoteLinks[node.deviceIndex];
-        for (const DkLinkAttr& link : node.directLinks) {
+        for (const DkLinkAttr& link : directLinks) {
             if (!IsInterconnectType(link.type)) continue;
             DkSmlDravikLinkRemoteInfo remote{};
             remote.remoteDeviceIndex = UINT32_MAX;
             remote.remoteDeviceType = DK_SML_EX_DRAVIK_LINK_DEVICE_TYPE_UNKNOWN;
-            for (const auto& [peerBdf, peer] : inputs.gpuNodes) {
-                if (peer.nodeId != link.to) continue;
-                remote.remoteDeviceIndex = peer.deviceIndex;
+            const auto peer = nodeById.find(link.to);
+            if (peer != nodeById.end()) {
+                remote.remoteDeviceIndex = peer->second->second.deviceIndex;
                 remote.remoteDeviceType = DK_SML_EX_DRAVIK_LINK_DEVICE_TYPE_GPU;
-                std::strncpy(remote.remoteBdfId, peerBdf.c_str(), sizeof(remote.remoteBdfId) - 1);
-                break;
+                std::strncpy(remote.remoteBdfId, peer->second->first.c_str(), sizeof(remote.remoteBdfId) - 1);
             }
             remotes.push_back(remote);
         }

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <mutex>
 #include <string>
 
 #include "core/dk_host_root.h"
@@ -27,10 +28,19 @@ using RuntimeVersionFn = int (*)(int*, int*, int*);
 // int vrGetVersion(char* text, unsigned int length)
 using SdkVersionFn = int (*)(char*, unsigned int);
 
-// Closes the library on every path.
+// The stack's libraries are loaded, asked and closed one caller at a time:
+// they do not promise to be thread-safe, and a load racing an unload in the
+// dynamic loader is otherwise ordered only by the loader's private lock.
+std::mutex& StackLibraryLock() {
+    static std::mutex lock;
+    return lock;
+}
+
+// Closes the library on every path; holds the stack lock while it is open.
 class DkLoadedLibrary {
 public:
-    explicit DkLoadedLibrary(const std::string& path) : m_handle(dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL)) {}
+    explicit DkLoadedLibrary(const std::string& path)
+        : m_lock(StackLibraryLock()), m_handle(dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL)) {}
     ~DkLoadedLibrary() {
         if (m_handle != nullptr) dlclose(m_handle);
     }
@@ -43,6 +53,7 @@ public:
     }
 
 private:
+    std::lock_guard<std::mutex> m_lock;
     void* m_handle;
 };
 

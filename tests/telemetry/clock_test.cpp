@@ -199,6 +199,22 @@ TEST_F(ClockTest, IpCapacityTooSmallReportsTheNeededCount) {
     EXPECT_EQ(freqs[0], 7u);
 }
 
+// The text is walked with a fixed number of values per line; a longer line
+// must still report (and copy) every value it holds.
+TEST_F(ClockTest, IpLineLongerThanTheFixedWalkKeepsEveryValue) {
+    std::string line = "dla clock:";
+    for (int i = 1; i <= 40; ++i) line += " " + std::to_string(i);
+    device.Serve(0, DRAVIK_SMI_SHOWCLOCKS, line + "\n");
+    uint32_t freqs[48] = {};
+    uint32_t count = 3;
+    EXPECT_EQ(clock.GetIpClocksFreq(&device, DK_SML_CLOCK_IP_DLA, &count, freqs), DK_SML_ERROR_INSUFFICIENT_SIZE);
+    EXPECT_EQ(count, 40u);
+    count = 48;
+    ASSERT_EQ(clock.GetIpClocksFreq(&device, DK_SML_CLOCK_IP_DLA, &count, freqs), DK_SML_SUCCESS);
+    ASSERT_EQ(count, 40u);
+    EXPECT_EQ(freqs[39], 40u);
+}
+
 TEST_F(ClockTest, IpVendorOffsetOnlyForTrainingBrands) {
     struct Case {
         DkSmlDeviceBrand brand;

@@ -1,0 +1,30 @@
+// One PCI function as the scan sees it: an entry of the search directory
+// whose files are opened relative to that directory's descriptor, so that a
+// function costs one open per file and no path from the root.
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+#include <string_view>
+
+namespace dksml {
+
+struct DkPciEntry {
+    int dirFd = -1;         // the search directory
+    std::string_view name;  // the function's entry ("0000:03:00.0"), at most NAME_MAX
+
+    // "name/file", NUL-terminated, in a buffer that holds any entry name.
+    struct Path {
+        char text[320];
+        const char* c_str() const { return text; }
+    };
+    Path File(const char* file) const {
+        Path path;
+        const int n = std::snprintf(path.text, sizeof path.text, "%.*s/%s", static_cast<int>(name.size()),
+                                    name.data(), file);
+        if (n < 0 || static_cast<std::size_t>(n) >= sizeof path.text) path.text[0] = '\0';
+        return path;
+    }
+};
+
+}  // namespace dksml
