@@ -20,17 +20,17 @@ TEST(LimitedDevices, MissingPowerStateFileMeansNoLayoutNodeReason) {
     vhost::ScopedHost host("server"sv);  // the DKK1 at d8:00.0 lacks "pcipowerstate"
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
     ASSERT_EQ(LimitedIndices(), std::vector<uint32_t>{5});
-    DkSmlLimitedDeviceInfo info = LimitedInfoOf(5);
+    DkSmlLimitedDeviceInfo info = LimitedInfoOf(6);
     EXPECT_STREQ(info.bdfId, "0000:d8:00.0");
     EXPECT_EQ(info.vendorId, 0x1e27u);
     EXPECT_EQ(info.deviceId, 0x1101u);
     EXPECT_EQ(info.isVf, 0u);
     EXPECT_EQ(info.unavailableReason, 101u);
-    DkSmlDeviceUnavailableReasonInfo reason = ReasonOf(5);
+    DkSmlDeviceUnavailableReasonInfo reason = ReasonOf(6);
     EXPECT_EQ(reason.reason, 101u);
     EXPECT_STREQ(reason.reasonText, "Layout Node Not Found");
     int32_t state = 7;
-    EXPECT_EQ(dkSmlGetDeviceState(5, &state), DK_SML_SUCCESS);
+    EXPECT_EQ(dkSmlGetDeviceState(6, &state), DK_SML_SUCCESS);
     EXPECT_EQ(state, 0);
 }
 
@@ -118,7 +118,7 @@ TEST(LimitedDevices, UnreadableModuleListIsASysfsError) {
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
     host.Remove("/proc/modules");
     DkSmlDeviceUnavailableReasonInfo reason{};
-    EXPECT_EQ(dkSmlGetDeviceUnavailableReason(5, &reason), DK_SML_ERROR_SYSFS);
+    EXPECT_EQ(dkSmlGetDeviceUnavailableReason(6, &reason), DK_SML_ERROR_SYSFS);
 }
 
 TEST(LimitedDevices, ListFollowsTheCountRule) {

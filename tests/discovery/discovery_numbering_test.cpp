@@ -31,6 +31,7 @@ const ExpectedDevice c_serverDevices[] = {
     {2, "0000:1e:00.0", "DKK2", DK_SML_BRAND_DKK, DK_SML_VIRTUALIZATION_MODE_PF, 1},
     {3, "0000:af:00.0", "DKK6-PL", DK_SML_BRAND_DKK_X, DK_SML_VIRTUALIZATION_MODE_NONE, 2},
     {4, "0000:b0:00.0", "DKK6U", DK_SML_BRAND_DKK_X, DK_SML_VIRTUALIZATION_MODE_NONE, 1},
+    {5, "0000:e1:00.0", "DKQ9-A", DK_SML_BRAND_DKQ, DK_SML_VIRTUALIZATION_MODE_NONE, 1},
     {100, "0000:1e:00.1", "DKK2 VF", DK_SML_BRAND_DKK, DK_SML_VIRTUALIZATION_MODE_VF, 1},
     {101, "0000:1e:00.2", "DKK2 VF", DK_SML_BRAND_DKK, DK_SML_VIRTUALIZATION_MODE_VF, 1},
 };
@@ -38,7 +39,7 @@ const ExpectedDevice c_serverDevices[] = {
 TEST(ServerDiscovery, NumbersPhysicalFromZeroAndVirtualFromHundred) {
     vhost::ScopedHost host("server"sv);
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
-    EXPECT_EQ(dkSmlGetDeviceCount(), 5u);
+    EXPECT_EQ(dkSmlGetDeviceCount(), 6u);
     EXPECT_EQ(dkSmlGetPfDeviceCount(), 2u);  // the virtual functions
     for (const ExpectedDevice& expected : c_serverDevices) {
         SCOPED_TRACE(expected.bdf);
@@ -53,7 +54,7 @@ TEST(ServerDiscovery, NumbersPhysicalFromZeroAndVirtualFromHundred) {
         EXPECT_EQ(dies, expected.dieCount);
     }
     DkSmlDeviceInfo info{};
-    EXPECT_EQ(dkSmlGetDeviceInfo(5, &info), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+    EXPECT_EQ(dkSmlGetDeviceInfo(6, &info), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
     EXPECT_EQ(dkSmlGetDeviceInfo(102, &info), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
 }
 
@@ -162,7 +163,7 @@ TEST(ServerDiscovery, RediscoveryRenumbersAndInvalidatesHandles) {
 
     host.Remove(DevicePath("0000:1b:00.0"));
     EXPECT_EQ(dkSmlInit(), DK_SML_SUCCESS);  // flags 0: no new pass
-    EXPECT_EQ(dkSmlGetDeviceCount(), 5u);
+    EXPECT_EQ(dkSmlGetDeviceCount(), 6u);
     EXPECT_NE(manager.FindDieByHandle(oldHandle), nullptr);
 
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
