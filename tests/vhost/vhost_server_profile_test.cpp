@@ -49,7 +49,7 @@ ScopedHost* ServerProfile::s_host = nullptr;
 
 bool IsMakerVendor(const std::string& vendor) { return vendor == "0x1e27\n" || vendor == "0x1e28\n"; }
 
-TEST_F(ServerProfile, FiveUsablePhysicalDevicesOneLimitedTwoVirtualFunctions) {
+TEST_F(ServerProfile, SixUsablePhysicalDevicesOneLimitedTwoVirtualFunctions) {
     const std::set<std::string> located = LayoutLocations();
     std::vector<std::string> usable, limited, virtualFunctions;
     for (const auto& entry : fs::directory_iterator(s_host->Path("/sys/bus/pci/devices"))) {
@@ -64,7 +64,7 @@ TEST_F(ServerProfile, FiveUsablePhysicalDevicesOneLimitedTwoVirtualFunctions) {
                                 !Read(Device(busId) + "/smi/showvendorid").empty();
         (accessible && located.contains(busId) ? usable : limited).push_back(busId);
     }
-    EXPECT_EQ(usable.size(), 5u);
+    EXPECT_EQ(usable.size(), 6u);
     EXPECT_EQ(limited, std::vector<std::string>{"0000:d8:00.0"});
     EXPECT_EQ(virtualFunctions, (std::vector<std::string>{"0000:1e:00.1", "0000:1e:00.2"}));
 }
