@@ -244,7 +244,7 @@ TEST(TopologyApi, SocketsLinkNumbersAndRemoteInfo) {
     std::shared_ptr<DkTopology> topology = DkSystemManager::GetInstance().GetTopology();
     ASSERT_TRUE(topology);
     EXPECT_EQ(topology->GetSocketMap().at(0), (std::vector<uint32_t>{0, 1, 2}));
-    EXPECT_EQ(topology->GetSocketMap().at(1), (std::vector<uint32_t>{3, 4}));
+    EXPECT_EQ(topology->GetSocketMap().at(1), (std::vector<uint32_t>{3, 4, 5}));
     EXPECT_EQ(topology->GetTopologyId(4), 4u);
     EXPECT_EQ(topology->GetTopologyId(100), UINT32_MAX);
     EXPECT_EQ(topology->GetDeviceDravikLinkNumber(0), 7u);  // a DKK6 board: full mesh of eight
