@@ -14,8 +14,8 @@ namespace {
 
 const void* HandleValue(uint64_t handle) { return reinterpret_cast<const void*>(static_cast<uintptr_t>(handle)); }
 
-// The server host in PCI order: five physical GPUs, a DKK2 that hosts two
-// virtual functions and a DKK1 without "pcipowerstate".
+// The server host in PCI order: six usable physical GPUs (one of them a DKK2
+// that hosts two virtual functions) and a DKK1 without "pcipowerstate".
 struct ExpectedDevice {
     uint32_t index;
     const char* bdf;
@@ -31,6 +31,7 @@ const ExpectedDevice c_serverDevices[] = {
     {2, "0000:1e:00.0", "DKK2", DK_SML_BRAND_DKK, DK_SML_VIRTUALIZATION_MODE_PF, 1},
     {3, "0000:af:00.0", "DKK6-PL", DK_SML_BRAND_DKK_X, DK_SML_VIRTUALIZATION_MODE_NONE, 2},
     {4, "0000:b0:00.0", "DKK6U", DK_SML_BRAND_DKK_X, DK_SML_VIRTUALIZATION_MODE_NONE, 1},
+    {5, "0000:e1:00.0", "DKQ9-A", DK_SML_BRAND_DKQ, DK_SML_VIRTUALIZATION_MODE_NONE, 1},
     {100, "0000:1e:00.1", "DKK2 VF", DK_SML_BRAND_DKK, DK_SML_VIRTUALIZATION_MODE_VF, 1},
     {101, "0000:1e:00.2", "DKK2 VF", DK_SML_BRAND_DKK, DK_SML_VIRTUALIZATION_MODE_VF, 1},
 };
@@ -38,7 +39,7 @@ const ExpectedDevice c_serverDevices[] = {
 TEST(ServerDiscovery, NumbersPhysicalFromZeroAndVirtualFromHundred) {
     vhost::ScopedHost host("server"sv);
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
-    EXPECT_EQ(dkSmlGetDeviceCount(), 5u);
+    EXPECT_EQ(dkSmlGetDeviceCount(), 6u);
     EXPECT_EQ(dkSmlGetPfDeviceCount(), 2u);  // the virtual functions
     for (const ExpectedDevice& expected : c_serverDevices) {
         SCOPED_TRACE(expected.bdf);
@@ -53,7 +54,7 @@ TEST(ServerDiscovery, NumbersPhysicalFromZeroAndVirtualFromHundred) {
         EXPECT_EQ(dies, expected.dieCount);
     }
     DkSmlDeviceInfo info{};
-    EXPECT_EQ(dkSmlGetDeviceInfo(5, &info), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+    EXPECT_EQ(dkSmlGetDeviceInfo(6, &info), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
     EXPECT_EQ(dkSmlGetDeviceInfo(102, &info), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
 }
 
@@ -70,7 +71,7 @@ TEST(ServerDiscovery, IdentityComesFromTheLayoutNode) {
     EXPECT_TRUE(DkSystemManager::GetInstance().GetDeviceIdByGpuId(55731, index));
     EXPECT_EQ(index, 4u);
     EXPECT_EQ(DkSystemManager::GetInstance().GetGpuIdByDeviceId(1), 51342u);
-    EXPECT_EQ(DkSystemManager::GetInstance().GetGpuIdByDeviceId(5), 0u);
+    EXPECT_EQ(DkSystemManager::GetInstance().GetGpuIdByDeviceId(6), 0u);  // limited
 }
 
 TEST(ServerDiscovery, LinksVirtualFunctionsToTheirPhysicalFunction) {
@@ -103,7 +104,7 @@ TEST(ServerDiscovery, NumbersDiesAcrossDevices) {
     auto& manager = DkSystemManager::GetInstance();
     const struct {
         uint32_t vornId, deviceIndex, die;
-    } expected[] = {{0, 0, 0}, {1, 0, 1}, {2, 1, 0}, {3, 2, 0}, {4, 3, 0}, {5, 3, 1}, {6, 4, 0}};
+    } expected[] = {{0, 0, 0}, {1, 0, 1}, {2, 1, 0}, {3, 2, 0}, {4, 3, 0}, {5, 3, 1}, {6, 4, 0}, {7, 5, 0}};
     for (const auto& row : expected) {
         SCOPED_TRACE(row.vornId);
         const DkDieInfo* die = manager.GetDieByVornId(row.vornId);
@@ -112,13 +113,13 @@ TEST(ServerDiscovery, NumbersDiesAcrossDevices) {
         EXPECT_EQ(die->dieIndex, row.die);
         EXPECT_EQ(manager.FindDieByHandle(HandleValue(die->handle)), die);
     }
-    EXPECT_EQ(manager.GetDieByVornId(7), nullptr);
+    EXPECT_EQ(manager.GetDieByVornId(8), nullptr);
     EXPECT_EQ(manager.GetDieByVornId(100), nullptr);  // a virtual function has no compute-stack number
     const DkDieInfo* vf = manager.GetDieBySmlId(100);
     ASSERT_NE(vf, nullptr);
     EXPECT_EQ(vf->device->GetBdfId(), "0000:1e:00.1");
     EXPECT_EQ(manager.GetDieBySmlId(3), manager.GetDieByVornId(4));
-    EXPECT_EQ(manager.GetDieBySmlId(5), nullptr);  // limited
+    EXPECT_EQ(manager.GetDieBySmlId(6), nullptr);  // limited
 
     DkDieInfo stranger;
     EXPECT_EQ(manager.FindDieByHandle(&stranger), nullptr);
@@ -162,19 +163,19 @@ TEST(ServerDiscovery, RediscoveryRenumbersAndInvalidatesHandles) {
 
     host.Remove(DevicePath("0000:1b:00.0"));
     EXPECT_EQ(dkSmlInit(), DK_SML_SUCCESS);  // flags 0: no new pass
-    EXPECT_EQ(dkSmlGetDeviceCount(), 5u);
+    EXPECT_EQ(dkSmlGetDeviceCount(), 6u);
     EXPECT_NE(manager.FindDieByHandle(oldHandle), nullptr);
 
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
-    EXPECT_EQ(dkSmlGetDeviceCount(), 4u);
+    EXPECT_EQ(dkSmlGetDeviceCount(), 5u);
     EXPECT_EQ(manager.FindDieByHandle(oldHandle), nullptr);
     EXPECT_STREQ(InfoOf(0).bdfId, "0000:1c:00.0");
     EXPECT_STREQ(InfoOf(100).bdfId, "0000:1e:00.1");
-    EXPECT_EQ(LimitedIndices(), std::vector<uint32_t>{4});
+    EXPECT_EQ(LimitedIndices(), std::vector<uint32_t>{5});
     const DkDieInfo* first = manager.GetDieByVornId(0);
     ASSERT_NE(first, nullptr);
     EXPECT_EQ(first->device->GetBdfId(), "0000:1c:00.0");
-    EXPECT_EQ(manager.GetDieByVornId(5), nullptr);  // one die fewer
+    EXPECT_EQ(manager.GetDieByVornId(6), nullptr);  // 1b took its two dies with it
 }
 
 TEST(GuestDiscovery, SeesOnlyVirtualFunctions) {
