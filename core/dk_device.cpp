@@ -84,7 +84,7 @@ DkDevice::DkDevice(std::string searchPath, std::shared_ptr<const DkHostRoot> roo
 void DkDevice::OpenDirectories() {
     auto dirs = std::make_shared<DkDeviceDirs>();
     dirs->root = m_root;
-    dirs->device = m_root->OpenDir(m_deviceDir);
+    dirs->function = m_root->OpenDir(m_deviceDir);
     dirs->smi0 = m_root->OpenDir(m_deviceDir + "/smi");
     dirs->smi1 = m_root->OpenDir(m_deviceDir + "/smi1");
     if (!m_nodePath.empty()) dirs->node = m_root->OpenDir(m_nodePath);
@@ -367,6 +367,21 @@ DkSmlReturn DkDevice::Initialize() {
 DkSmlReturn DkDevice::FetchDriverData(unsigned int dieId, dravik_smi_opcode op, std::string& text) {
     if (!m_handler) return DK_SML_ERROR_FAILURE;
     return m_handler->FetchData(dieId, op, text);
+}
+
+DkSmlReturn DkDevice::FetchIndexedDriverData(unsigned int index, dravik_smi_opcode op, std::string& text) {
+    if (!m_handler) return DK_SML_ERROR_FAILURE;
+    return m_handler->FetchIndexedData(index, op, text);
+}
+
+DkSmlReturn DkDevice::SetIndexedDriverData(unsigned int index, dravik_smi_opcode op, const std::string& text) {
+    if (!m_handler) return DK_SML_ERROR_FAILURE;
+    return m_handler->SetIndexedData(index, op, text);
+}
+
+DkSmlReturn DkDevice::ListDriverData(unsigned int index, dravik_smi_opcode op, std::vector<std::string>& names) {
+    if (!m_handler) return DK_SML_ERROR_FAILURE;
+    return m_handler->ListData(index, op, names);
 }
 
 DkSmlReturn DkDevice::SetDriverData(unsigned int dieId, dravik_smi_opcode op, const std::string& text) {
