@@ -16,8 +16,8 @@
 namespace dksml {
 namespace {
 
-// The slice's directory, or the driver's whole slice directory: its alias is
-// written verbatim (the handler's writes always end in a newline).
+// A slice's alias file. The alias is the whole file, written verbatim; the
+// handler's writes always end in a newline, so this one write keeps its own path.
 std::string SliceAliasFile(IDkDevice* device, uint32_t sgpuId) {
     std::string path = HostPath(device->GetDeviceDir());
     path.append(c_sgpuDir).append("/").append(c_sgpuSlicePrefix).append(std::to_string(sgpuId)).append("/alias");
