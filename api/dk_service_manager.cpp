@@ -1,6 +1,6 @@
 // The feature registry: creates each feature service once, and hands the
 // system manager the builders of the objects it makes in every discovery
-// pass from feature code (topology tables, process accounting).
+// pass from feature code (topology tables, process accounting, board serials).
 #include "api/dk_service_manager.h"
 
 #include <utility>
@@ -52,10 +52,17 @@ std::shared_ptr<IDkProcessManagement> BuildProcessManagement(DkSmlDeviceBrand br
     return DkProcessManagementFactory::CreateProcessManagement(GetProcessMemoryThreshold(brand));
 }
 
+// A private EEPROM service: grouping runs inside discovery, before the
+// registry's services are handed out for the pass.
+DkSmlReturn ReadBoardSerial(IDkDevice& device, char* serial, uint32_t* size) {
+    DkEeprom eeprom;
+    return eeprom.GetBoardSerial(&device, serial, size);
+}
+
 // Installed while the library loads, before any export (and so any
 // discovery pass) can run; this file is linked wherever the registry is.
 [[maybe_unused]] const bool c_passBuildersInstalled = [] {
-    SetPassBuilders({CreateTopology, BuildProcessManagement});
+    SetPassBuilders({CreateTopology, BuildProcessManagement, ReadBoardSerial});
     return true;
 }();
 

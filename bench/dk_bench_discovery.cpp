@@ -53,7 +53,7 @@ nlohmann::json GeneratedHost(unsigned int gpus, unsigned int others) {
 constexpr const char* kGpuVendor = "0x1e27";
 constexpr const char* kGpuFiles[] = {"device",           "subsystem_vendor",  "subsystem_device",  "smi/pcipowerstate",
                                      "smi/showvendorid", "smi/showtopology", "smi/showisaversion", "smi/showboardtype",
-                                     "smi/showcardname"};
+                                     "smi/showcardname", "smi/showe2prominfo"};
 constexpr const char* kNodeFiles[] = {"gpu_id", "type", "properties", "location", "active", "unique_id"};
 
 // open, one read, close; the bytes read (0 when it does not open).

@@ -102,13 +102,15 @@ struct DkTopologyInputs {
 };
 
 // What a pass builds beside its devices from code that lives with the
-// features (the topology tables, built on first use by DkTopologySlot, and
-// the process accounting). The feature registry (api/) installs these when
-// the library loads, so this layer does not depend on the features; without
-// them both stay empty.
+// features (the topology tables, built on first use by DkTopologySlot, the
+// process accounting, and the board serials that group devices into boards).
+// The feature registry (api/) installs these when the library loads, so this
+// layer does not depend on the features; without them all stay empty and
+// every device is on an unknown board.
 struct DkPassBuilders {
     std::shared_ptr<DkTopology> (*topology)(DkSysUtils* sysUtils, const DkTopologyInputs& inputs) = nullptr;
     std::shared_ptr<IDkProcessManagement> (*processManagement)(DkSmlDeviceBrand brand) = nullptr;
+    DkSmlReturn (*boardSerial)(IDkDevice& device, char* serial, uint32_t* size) = nullptr;
 };
 void SetPassBuilders(const DkPassBuilders& builders);
 const DkPassBuilders& GetPassBuilders();

@@ -12,10 +12,13 @@ constexpr uint32_t c_lastPfIndex = 99;
 constexpr size_t c_boardSerialSize = 32;
 constexpr uint32_t c_maxBoardDevices = sizeof(DkBoardInfo::deviceIds) / sizeof(DkBoardInfo::deviceIds[0]);
 
-// The EEPROM service does not read board serials yet (it answers DK_SML_ERROR_NOT_SUPPORTED): until it
-// does, no serial is known and every device gets the unknown board id.
-DkSmlReturn ReadBoardSerial(IDkDevice& /*device*/, char (&/*serial*/)[c_boardSerialSize]) {
-    return DK_SML_ERROR_NOT_SUPPORTED;
+// Read through the reader the feature registry installs (see DkPassBuilders);
+// without one no serial is known.
+DkSmlReturn ReadBoardSerial(IDkDevice& device, char (&serial)[c_boardSerialSize]) {
+    const auto reader = GetPassBuilders().boardSerial;
+    if (reader == nullptr) return DK_SML_ERROR_NOT_SUPPORTED;
+    uint32_t size = c_boardSerialSize;
+    return reader(device, serial, &size);
 }
 
 }  // namespace

@@ -68,25 +68,29 @@ DkSmlReturn OpenFailure(int err) {
     return err == ENOENT || err == ENOTDIR ? DK_SML_ERROR_NOT_SUPPORTED : DK_SML_ERROR_SYSFS;
 }
 
-// Reads an opened descriptor and closes it. Only regular files are read (a
-// FIFO, a character device or a directory answer DK_SML_ERROR_SYSFS at once), and never more
-// than c_maxAttributeBytes. sysfs serves an attribute in one read and reports
-// a size of 4096 for every attribute, so st_size is only used to refuse
-// oversized regular files early; a short read ends the file, and a further
-// read is made only when the buffer filled up.
-DkSmlReturn ReadOpenedFile(int fd, std::string& text) {
+// Whether an opened descriptor is a regular file no larger than the cap.
+bool IsReadableRegularFile(int fd) {
     struct stat st {};
-    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) ||
-        static_cast<unsigned long long>(st.st_size) > c_maxAttributeBytes) {
-        ::close(fd);
-        return DK_SML_ERROR_SYSFS;
-    }
+    return ::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) &&
+           static_cast<unsigned long long>(st.st_size) <= c_maxAttributeBytes;
+}
+
+// Reads an opened descriptor and closes it, never more than
+// c_maxAttributeBytes. sysfs serves an attribute in one read, so a short
+// non-empty first read is the whole text and is taken as it is: checking the
+// file's type as well would add a system call to every scalar query. When the
+// first read leaves it open (nothing came back, or the buffer filled up) only
+// a regular file within the cap is read on: a FIFO without a writer, a null
+// or endless device, a directory and an oversized file answer
+// DK_SML_ERROR_SYSFS at once. sysfs reports a size of 4096 for every
+// attribute, so st_size only refuses oversized regular files early.
+DkSmlReturn ReadOpenedFile(int fd, std::string& text) {
     char first[8192];
     ssize_t n;
     do {
         n = ::read(fd, first, sizeof first);
     } while (n < 0 && errno == EINTR);
-    if (n < 0) {
+    if (n < 0 || ((n == 0 || static_cast<std::size_t>(n) == sizeof first) && !IsReadableRegularFile(fd))) {
         ::close(fd);
         return DK_SML_ERROR_SYSFS;
     }

@@ -27,8 +27,9 @@ std::string GetEnv(const char* name, std::string_view suffix, std::string_view f
 inline constexpr std::size_t c_maxAttributeBytes = std::size_t{1} << 20;
 
 // Whole file into `text` with one open, one read (more only when the first
-// filled its buffer), one close; only regular files up to
-// c_maxAttributeBytes, and the open never blocks. DK_SML_ERROR_SYSFS when it
+// filled its buffer), one close; at most c_maxAttributeBytes, and the open
+// never blocks. When the first read is empty or fills its buffer, only a
+// regular file is accepted. DK_SML_ERROR_SYSFS when it
 // cannot be opened or read; `text` is changed only on success and keeps its
 // capacity.
 DkSmlReturn ReadFileText(const std::string& path, std::string& text);

@@ -1323,10 +1323,13 @@ DKSML_API DkSmlExReturn dkSmlExDeviceGetMinorNumber(DkSmlExDevice device, uint32
 /** Compute capability (always 9.0). */
 DKSML_API DkSmlExReturn dkSmlExDeviceGetComputeCapability(DkSmlExDevice device, int32_t *major,
                                                           int32_t *minor);
-/** Die temperature in degrees Celsius. */
+/** Die temperature: the hot spot of the handle's die divided by 100 (integer
+ *  division). This interface takes the reading as hundredths of a degree; a
+ *  driver that prints whole degrees, as the virtual host's does, reads as 0 here
+ *  (use dkSmlGetDieTemperatureInfo for the value as printed). */
 DKSML_API DkSmlExReturn dkSmlExDeviceGetTemperature(DkSmlExDevice device, DkSmlExTemperatureSensors sensor,
                                                     uint32_t *temp);
-/** Temperature threshold in degrees Celsius (shutdown threshold only). */
+/** Shutdown threshold (the die's hot-spot limit), divided by 100 like the temperature above. */
 DKSML_API DkSmlExReturn dkSmlExDeviceGetTemperatureThreshold(DkSmlExDevice device,
                                                              DkSmlExTemperatureThresholds threshold,
                                                              uint32_t *temp);

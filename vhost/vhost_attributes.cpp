@@ -169,6 +169,8 @@ std::string Pmbus(const DieContext& c, std::string_view quantity) {
 // The x-series driver lists the readings way by way; the others quantity by
 // quantity.
 std::string BoardPower(const DieContext& c) {
+    // The other devices of a multi-device board have no board monitor.
+    if (!c.device.boardMaster) return "board power: not support\n";
     constexpr int ways = 2;
     const int amps = 9000 + 250 * Vary(c, 8);
     if (c.device.brand == 4 || c.device.brand == 2) {
@@ -181,6 +183,10 @@ std::string BoardPower(const DieContext& c) {
     }
     return "voltage: 12000 12010\ncurrent: " + std::to_string(amps) + " " + std::to_string(amps + 300) +
            "\npower: " + std::to_string(12 * amps) + " " + std::to_string(12 * (amps + 300)) + "\n";
+}
+
+std::string Eeprom(const DieContext& c) {
+    return "product name: " + c.device.model + "\nboard serial: " + c.device.boardSerial + "\n";
 }
 
 // In milliwatts, the unit the library reports for every model.
@@ -363,6 +369,7 @@ const std::vector<AttributeRow>& AttributeTable() {
         {"showpmbuscur", Scope::Physical, [](const DieContext& c) { return Pmbus(c, "current"); }},
         {"showpmbuspower", Scope::Physical, [](const DieContext& c) { return Pmbus(c, "power"); }},
         {"showboardpowerinfo", Scope::PhysicalDie0, BoardPower},
+        {"showe2prominfo", Scope::PhysicalDie0, Eeprom},
         {"capability", Scope::PhysicalDie0, Capability},
         {"config_tbp", Scope::PhysicalDie0, ConfigTbp},
         {"pow_persist_ctrl", Scope::Physical, [](const DieContext&) { return std::string("power mode: 1\n"); }},

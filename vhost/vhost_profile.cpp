@@ -28,7 +28,7 @@ const std::set<std::string> c_deviceKeys{
     "bus_id", "function", "model", "vendor", "device_id", "subsystem_vendor", "subsystem_device",
     "class", "driver", "parent", "bridges", "numa_node", "local_cpulist", "dies", "attributes",
     "files", "layout_node", "node_id", "gpu_id", "unique_id", "card", "topology", "sensor_board",
-    "xpu_clock", "comment", "pcie", "revision", "sgpu"};
+    "xpu_clock", "comment", "pcie", "revision", "sgpu", "board_serial"};
 
 void CheckKeys(const json& object, const std::set<std::string>& allowed, const std::string& where) {
     if (!object.is_object()) Fail(where, "must be an object");
@@ -137,6 +137,22 @@ std::string DefaultUniqueId(const DeviceSpec& device) {
     return text;
 }
 
+// One board per device unless the profile says otherwise.
+std::string DefaultBoardSerial(const DeviceSpec& device) {
+    char text[24];
+    std::snprintf(text, sizeof text, "DKB%08llx", static_cast<unsigned long long>(Fnv1a(device.busId) & 0xffffffffu));
+    return text;
+}
+
+// On a board with several devices only the first one (in bus order, the
+// order the driver probes them) reports the board's power readings.
+void AssignBoardMasters(HostSpec& host) {
+    std::set<std::string> seen;
+    for (DeviceSpec& device : host.devices) {
+        if (device.kind == FunctionKind::Physical) device.boardMaster = seen.insert(device.boardSerial).second;
+    }
+}
+
 void ParseGpuIdentity(const json& entry, DeviceSpec& device, const std::string& where) {
     if (!entry.contains("model")) Fail(where, "a GPU function needs a \"model\"");
     device.model = entry["model"].get<std::string>();
@@ -213,6 +229,8 @@ DeviceSpec ParseDevice(const json& entry, const HostSpec& host) {
     if (entry.contains("pcie")) device.link = ParsePcieLink(entry["pcie"], device.link, where + ".pcie");
     if (entry.contains("revision")) device.revision = HexOf(entry["revision"], where + ".revision") & 0xffu;
     if (entry.contains("sgpu")) device.sgpu = ParseSgpu(entry["sgpu"], where + ".sgpu");
+    if (device.kind == FunctionKind::Physical) device.boardSerial = entry.value("board_serial", DefaultBoardSerial(device));
+    if (device.boardSerial.size() > 31) Fail(where, "board_serial is longer than 31 characters");
     return device;
 }
 
@@ -377,6 +395,7 @@ HostSpec ParseProfile(const json& profile) {
         }
         CheckRelations(host);
         AssignDriverIds(host, sortedEntries);
+        AssignBoardMasters(host);
         for (size_t i = 0; i < host.devices.size(); ++i) {
             DeviceSpec& device = host.devices[i];
             // A virtual function sits beside its physical function.

@@ -90,6 +90,8 @@ struct DeviceSpec {
     PcieLinkSpec link;                 // the function's upstream link
     uint32_t revision = 0;
     std::optional<SgpuSpec> sgpu;      // slice mode (physical GPUs only)
+    std::string boardSerial;           // "showe2prominfo"; devices of one board share it
+    bool boardMaster = true;           // the board's power readings are reported by this device
 
     bool IsGpu() const { return kind != FunctionKind::Other; }
 };

@@ -20,6 +20,7 @@ static const ExpectedDevice c_serverDevices[] = {
     {2, "DKK2", "0000:1e:00.0", 1, 2},
     {3, "DKK6-PL", "0000:af:00.0", 2, 0},
     {4, "DKK6U", "0000:b0:00.0", 1, 0},
+    {5, "DKQ9-A", "0000:e1:00.0", 1, 0},
     {100, "DKK2 VF", "0000:1e:00.1", 1, 0},
     {101, "DKK2 VF", "0000:1e:00.2", 1, 0},
 };
@@ -82,7 +83,7 @@ static void CheckServerLimitedDevice(void) {
 
     Check(dkSmlGetAllLimitedDevices(&count, indices) == DK_SML_SUCCESS && count == 1, "one limited device", 0);
     if (count != 1) return;
-    Check(indices[0] == 5, "limited device numbered after the usable ones", indices[0]);
+    Check(indices[0] == 6, "limited device numbered after the usable ones", indices[0]);
     Check(dkSmlGetLimitedDeviceInfo(indices[0], &info) == DK_SML_SUCCESS, "limited info", indices[0]);
     Check(strcmp(info.bdfId, "0000:d8:00.0") == 0, "limited bus id", indices[0]);
     Check(dkSmlGetDeviceUnavailableReason(indices[0], &reason) == DK_SML_SUCCESS, "reason", indices[0]);
@@ -97,7 +98,7 @@ int main(int argc, char **argv) {
     }
     if (strcmp(argv[1], "server") == 0) {
         Check(dkSmlInit() == DK_SML_SUCCESS, "dkSmlInit", 0);
-        CheckHost(c_serverDevices, sizeof c_serverDevices / sizeof c_serverDevices[0], 5, 2);
+        CheckHost(c_serverDevices, sizeof c_serverDevices / sizeof c_serverDevices[0], 6, 2);
         CheckServerLimitedDevice();
     } else {
         Check(dkSmlInit() == DK_SML_SUCCESS, "dkSmlInit", 0);

@@ -21,13 +21,13 @@ TEST(CompatHandles, OneHandlePerDieOfEachPhysicalDevice) {
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
     uint32_t count = 0;
     ASSERT_EQ(dkSmlExDeviceGetCount(&count), DK_SML_EX_SUCCESS);
-    EXPECT_EQ(count, 7u);  // DKK6-A and DKK6-PL have two dies each
+    EXPECT_EQ(count, 8u);  // DKK6-A and DKK6-PL have two dies each
     // Dies of one device share its identity; the next number is the next device.
     const struct {
         uint32_t vornId;
         const char* bdf;
     } rows[] = {{0, "0000:1b:00.0"}, {1, "0000:1b:00.0"}, {2, "0000:1c:00.0"}, {3, "0000:1e:00.0"},
-                {4, "0000:af:00.0"}, {5, "0000:af:00.0"}, {6, "0000:b0:00.0"}};
+                {4, "0000:af:00.0"}, {5, "0000:af:00.0"}, {6, "0000:b0:00.0"}, {7, "0000:e1:00.0"}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.vornId);
         DkSmlExPciInfo pci{};
@@ -35,7 +35,7 @@ TEST(CompatHandles, OneHandlePerDieOfEachPhysicalDevice) {
         EXPECT_STREQ(pci.busId, row.bdf);
     }
     DkSmlExDevice handle = nullptr;
-    EXPECT_EQ(dkSmlExGetDeviceHandleByIndex(7, &handle), DK_SML_EX_ERROR_INVALID_ARGUMENT);
+    EXPECT_EQ(dkSmlExGetDeviceHandleByIndex(8, &handle), DK_SML_EX_ERROR_INVALID_ARGUMENT);
     EXPECT_EQ(dkSmlExGetDeviceHandleByIndex(100, &handle), DK_SML_EX_ERROR_INVALID_ARGUMENT);
 }
 

@@ -2,6 +2,7 @@
 // board type, dies, state and real path.
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -156,13 +157,51 @@ TEST(DeviceRenderNodes, CardAndRenderNumbersFromDriByPath) {
     }
 }
 
-TEST(DeviceBoard, UnknownUntilBoardSerialsCanBeRead) {
+std::vector<uint32_t> BoardIds() {
+    std::vector<uint32_t> ids;
+    for (uint32_t index : {0u, 1u, 2u, 3u, 4u, 5u, 100u}) ids.push_back(DkSystemManager::GetInstance().GetDeviceBoardId(index));
+    return ids;
+}
+
+// The server's 1b and 1c share one board serial; every other PF has its own,
+// and virtual functions have none.
+TEST(DeviceBoard, EqualSerialsOfNeighboursShareABoard) {
     vhost::ScopedHost host("server"sv);
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
-    EXPECT_EQ(DkSystemManager::GetInstance().GetDeviceBoardId(0), UINT32_MAX);
+    EXPECT_EQ(BoardIds(), (std::vector<uint32_t>{0, 0, 1, 2, 3, 4, UINT32_MAX}));
     DkBoardInfo board;
-    EXPECT_EQ(DkSystemManager::GetInstance().GetDeviceBoardInfo(0, &board), DK_SML_ERROR_NOT_SUPPORTED);
+    ASSERT_EQ(DkSystemManager::GetInstance().GetDeviceBoardInfo(1, &board), DK_SML_SUCCESS);
+    EXPECT_EQ(board.boardId, 0u);
+    ASSERT_EQ(board.deviceCount, 2u);
+    EXPECT_EQ(board.deviceIds[0], 0u);
+    EXPECT_EQ(board.deviceIds[1], 1u);
+    EXPECT_EQ(DkSystemManager::GetInstance().GetDeviceBoardInfo(100, &board), DK_SML_ERROR_NOT_SUPPORTED);
     EXPECT_EQ(DkSystemManager::GetInstance().GetDeviceBoardId(42), UINT32_MAX);
+}
+
+// Only the device examined just before counts: an unreadable serial in
+// between, or a distant device with the same serial, starts a new board.
+TEST(DeviceBoard, UnreadableOrDistantSerialsStartNewBoards) {
+    nlohmann::json profile = vhost::LoadProfile("server");
+    for (nlohmann::json& device : profile["devices"]) {
+        if (device["bus_id"] == "0000:1c:00.0") device["attributes"]["showe2prominfo"] = nullptr;
+        if (device["bus_id"] == "0000:b0:00.0") device["board_serial"] = "DKB6A2311000042";
+        if (device["bus_id"] == "0000:af:00.0") device["attributes"]["showe2prominfo"] = "board serial:\n";
+    }
+    vhost::ScopedHost host(profile);
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    EXPECT_EQ(BoardIds(), (std::vector<uint32_t>{0, UINT32_MAX, 1, UINT32_MAX, 2, 3, UINT32_MAX}));
+    char serial[32];
+    uint32_t size = sizeof serial;
+    ASSERT_EQ(dkSmlGetBoardSerial(4, serial, &size), DK_SML_SUCCESS);
+    EXPECT_STREQ(serial, "DKB6A2311000042");
+    EXPECT_EQ(size, 16u);
+    size = 15;
+    EXPECT_EQ(dkSmlGetBoardSerial(4, serial, &size), DK_SML_ERROR_INSUFFICIENT_SIZE);
+    EXPECT_EQ(size, 16u);
+    EXPECT_EQ(dkSmlGetBoardSerial(1, serial, &size), DK_SML_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(dkSmlGetBoardSerial(3, serial, &size), DK_SML_ERROR_SYSFS);
+    EXPECT_EQ(dkSmlGetBoardSerial(100, serial, &size), DK_SML_ERROR_NOT_SUPPORTED);
 }
 
 }  // namespace

@@ -19,18 +19,18 @@ DkSmlLimitedDeviceInfo LimitedInfoOf(uint32_t index) {
 TEST(LimitedDevices, MissingPowerStateFileMeansNoLayoutNodeReason) {
     vhost::ScopedHost host("server"sv);  // the DKK1 at d8:00.0 lacks "pcipowerstate"
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
-    ASSERT_EQ(LimitedIndices(), std::vector<uint32_t>{5});
-    DkSmlLimitedDeviceInfo info = LimitedInfoOf(5);
+    ASSERT_EQ(LimitedIndices(), std::vector<uint32_t>{6});  // after the six usable GPUs
+    DkSmlLimitedDeviceInfo info = LimitedInfoOf(6);
     EXPECT_STREQ(info.bdfId, "0000:d8:00.0");
     EXPECT_EQ(info.vendorId, 0x1e27u);
     EXPECT_EQ(info.deviceId, 0x1101u);
     EXPECT_EQ(info.isVf, 0u);
     EXPECT_EQ(info.unavailableReason, 101u);
-    DkSmlDeviceUnavailableReasonInfo reason = ReasonOf(5);
+    DkSmlDeviceUnavailableReasonInfo reason = ReasonOf(6);
     EXPECT_EQ(reason.reason, 101u);
     EXPECT_STREQ(reason.reasonText, "Layout Node Not Found");
     int32_t state = 7;
-    EXPECT_EQ(dkSmlGetDeviceState(5, &state), DK_SML_SUCCESS);
+    EXPECT_EQ(dkSmlGetDeviceState(6, &state), DK_SML_SUCCESS);
     EXPECT_EQ(state, 0);
 }
 
@@ -46,19 +46,19 @@ TEST(LimitedDevices, UsableDevicesReportNoReason) {
         EXPECT_STREQ(reason.reasonText, "");
     }
     DkSmlDeviceUnavailableReasonInfo reason{};
-    EXPECT_EQ(dkSmlGetDeviceUnavailableReason(6, &reason), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+    EXPECT_EQ(dkSmlGetDeviceUnavailableReason(7, &reason), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
 }
 
 TEST(LimitedDevices, UnreadablePowerStateFileIsInaccessibleSysfs) {
     vhost::ScopedHost host("server"sv);
     MakeUnreadable(host, SmiFile("0000:1c:00.0", "pcipowerstate"));
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
-    EXPECT_EQ(dkSmlGetDeviceCount(), 4u);
+    EXPECT_EQ(dkSmlGetDeviceCount(), 5u);
     EXPECT_STREQ(InfoOf(1).bdfId, "0000:1e:00.0");  // the rest move up
-    ASSERT_EQ(LimitedIndices(), (std::vector<uint32_t>{4, 5}));
-    EXPECT_STREQ(LimitedInfoOf(4).bdfId, "0000:1c:00.0");
-    EXPECT_EQ(LimitedInfoOf(4).vendorId, 0x1e28u);
-    DkSmlDeviceUnavailableReasonInfo reason = ReasonOf(4);
+    ASSERT_EQ(LimitedIndices(), (std::vector<uint32_t>{5, 6}));
+    EXPECT_STREQ(LimitedInfoOf(5).bdfId, "0000:1c:00.0");
+    EXPECT_EQ(LimitedInfoOf(5).vendorId, 0x1e28u);
+    DkSmlDeviceUnavailableReasonInfo reason = ReasonOf(5);
     EXPECT_EQ(reason.reason, 102u);
     EXPECT_STREQ(reason.reasonText, "Dravik Sysfs File Unaccessible");
 }
@@ -67,19 +67,19 @@ TEST(LimitedDevices, PhysicalFunctionWithoutLayoutNode) {
     vhost::ScopedHost host("server"sv);
     host.Remove(LayoutNodeOf(host, "0000:1b:00.0"));
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
-    EXPECT_EQ(dkSmlGetDeviceCount(), 4u);
-    ASSERT_EQ(LimitedIndices(), (std::vector<uint32_t>{4, 5}));
-    EXPECT_STREQ(LimitedInfoOf(4).bdfId, "0000:1b:00.0");
-    EXPECT_EQ(ReasonOf(4).reason, 101u);
+    EXPECT_EQ(dkSmlGetDeviceCount(), 5u);
+    ASSERT_EQ(LimitedIndices(), (std::vector<uint32_t>{5, 6}));
+    EXPECT_STREQ(LimitedInfoOf(5).bdfId, "0000:1b:00.0");
+    EXPECT_EQ(ReasonOf(5).reason, 101u);
     uint32_t dies = 0;
-    EXPECT_EQ(DkSystemManager::GetInstance().GetLimitedDeviceDieCount(4, &dies), DK_SML_SUCCESS);
+    EXPECT_EQ(DkSystemManager::GetInstance().GetLimitedDeviceDieCount(5, &dies), DK_SML_SUCCESS);
     EXPECT_EQ(dies, 2u);
     // The driver is loaded and readable but published no node: it refused the dies.
     DkSmlDeviceUnavailableReasonInfo die{};
-    EXPECT_EQ(DkSystemManager::GetInstance().GetLimitedDieUnavailableReason(4, 1, &die), DK_SML_SUCCESS);
+    EXPECT_EQ(DkSystemManager::GetInstance().GetLimitedDieUnavailableReason(5, 1, &die), DK_SML_SUCCESS);
     EXPECT_EQ(die.reason, 103u);
     EXPECT_STREQ(die.reasonText, "Driver And Vbios Compatibility Check Failed");
-    EXPECT_EQ(DkSystemManager::GetInstance().GetLimitedDieUnavailableReason(4, 2, &die),
+    EXPECT_EQ(DkSystemManager::GetInstance().GetLimitedDieUnavailableReason(5, 2, &die),
               DK_SML_ERROR_INVALID_DIE_ID);
 }
 
@@ -89,7 +89,7 @@ TEST(LimitedDevices, VirtualFunctionsKeepTheirOwnNumbering) {
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
     EXPECT_EQ(dkSmlGetPfDeviceCount(), 1u);
     EXPECT_STREQ(InfoOf(100).bdfId, "0000:1e:00.2");
-    ASSERT_EQ(LimitedIndices(), (std::vector<uint32_t>{5, 101}));
+    ASSERT_EQ(LimitedIndices(), (std::vector<uint32_t>{6, 101}));
     DkSmlLimitedDeviceInfo vf = LimitedInfoOf(101);
     EXPECT_STREQ(vf.bdfId, "0000:1e:00.1");
     EXPECT_EQ(vf.isVf, 1u);
@@ -118,7 +118,7 @@ TEST(LimitedDevices, UnreadableModuleListIsASysfsError) {
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
     host.Remove("/proc/modules");
     DkSmlDeviceUnavailableReasonInfo reason{};
-    EXPECT_EQ(dkSmlGetDeviceUnavailableReason(5, &reason), DK_SML_ERROR_SYSFS);
+    EXPECT_EQ(dkSmlGetDeviceUnavailableReason(6, &reason), DK_SML_ERROR_SYSFS);
 }
 
 TEST(LimitedDevices, ListFollowsTheCountRule) {

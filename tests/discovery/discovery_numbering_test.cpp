@@ -20,11 +20,11 @@ const void* HandleValue(uint64_t handle) { return reinterpret_cast<const void*>(
 TEST(ServerDiscovery, NumbersPhysicalFromZeroAndVirtualFromHundred) {
     vhost::ScopedHost host("server"sv);
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
-    EXPECT_EQ(dkSmlGetDeviceCount(), 5u);
+    EXPECT_EQ(dkSmlGetDeviceCount(), 6u);
     EXPECT_EQ(dkSmlGetPfDeviceCount(), 2u);  // the virtual functions
     EXPECT_EQ(InfoOf(101).deviceIndex, 101u);
     DkSmlDeviceInfo info{};
-    EXPECT_EQ(dkSmlGetDeviceInfo(5, &info), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+    EXPECT_EQ(dkSmlGetDeviceInfo(6, &info), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
     EXPECT_EQ(dkSmlGetDeviceInfo(102, &info), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
 }
 
@@ -41,7 +41,7 @@ TEST(ServerDiscovery, IdentityComesFromTheLayoutNode) {
     EXPECT_TRUE(DkSystemManager::GetInstance().GetDeviceIdByGpuId(55731, index));
     EXPECT_EQ(index, 4u);
     EXPECT_EQ(DkSystemManager::GetInstance().GetGpuIdByDeviceId(1), 51342u);
-    EXPECT_EQ(DkSystemManager::GetInstance().GetGpuIdByDeviceId(5), 0u);
+    EXPECT_EQ(DkSystemManager::GetInstance().GetGpuIdByDeviceId(6), 0u);  // limited
 }
 
 TEST(ServerDiscovery, LinksVirtualFunctionsToTheirPhysicalFunction) {
@@ -74,7 +74,7 @@ TEST(ServerDiscovery, NumbersDiesAcrossDevices) {
     auto& manager = DkSystemManager::GetInstance();
     const struct {
         uint32_t vornId, deviceIndex, die;
-    } expected[] = {{0, 0, 0}, {1, 0, 1}, {2, 1, 0}, {3, 2, 0}, {4, 3, 0}, {5, 3, 1}, {6, 4, 0}};
+    } expected[] = {{0, 0, 0}, {1, 0, 1}, {2, 1, 0}, {3, 2, 0}, {4, 3, 0}, {5, 3, 1}, {6, 4, 0}, {7, 5, 0}};
     for (const auto& row : expected) {
         SCOPED_TRACE(row.vornId);
         const DkDieInfo* die = manager.GetDieByVornId(row.vornId);
@@ -83,13 +83,13 @@ TEST(ServerDiscovery, NumbersDiesAcrossDevices) {
         EXPECT_EQ(die->dieIndex, row.die);
         EXPECT_EQ(manager.FindDieByHandle(HandleValue(die->handle)), die);
     }
-    EXPECT_EQ(manager.GetDieByVornId(7), nullptr);
+    EXPECT_EQ(manager.GetDieByVornId(8), nullptr);
     EXPECT_EQ(manager.GetDieByVornId(100), nullptr);  // a virtual function has no compute-stack number
     const DkDieInfo* vf = manager.GetDieBySmlId(100);
     ASSERT_NE(vf, nullptr);
     EXPECT_EQ(vf->device->GetBdfId(), "0000:1e:00.1");
     EXPECT_EQ(manager.GetDieBySmlId(3), manager.GetDieByVornId(4));
-    EXPECT_EQ(manager.GetDieBySmlId(5), nullptr);  // limited
+    EXPECT_EQ(manager.GetDieBySmlId(6), nullptr);  // limited
 
     DkDieInfo stranger;
     EXPECT_EQ(manager.FindDieByHandle(&stranger), nullptr);
@@ -133,19 +133,19 @@ TEST(ServerDiscovery, RediscoveryRenumbersAndInvalidatesHandles) {
 
     host.Remove(DevicePath("0000:1b:00.0"));
     EXPECT_EQ(dkSmlInit(), DK_SML_SUCCESS);  // flags 0: no new pass
-    EXPECT_EQ(dkSmlGetDeviceCount(), 5u);
+    EXPECT_EQ(dkSmlGetDeviceCount(), 6u);
     EXPECT_NE(manager.FindDieByHandle(oldHandle), nullptr);
 
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
-    EXPECT_EQ(dkSmlGetDeviceCount(), 4u);
+    EXPECT_EQ(dkSmlGetDeviceCount(), 5u);
     EXPECT_EQ(manager.FindDieByHandle(oldHandle), nullptr);
     EXPECT_STREQ(InfoOf(0).bdfId, "0000:1c:00.0");
     EXPECT_STREQ(InfoOf(100).bdfId, "0000:1e:00.1");
-    EXPECT_EQ(LimitedIndices(), std::vector<uint32_t>{4});
+    EXPECT_EQ(LimitedIndices(), std::vector<uint32_t>{5});
     const DkDieInfo* first = manager.GetDieByVornId(0);
     ASSERT_NE(first, nullptr);
     EXPECT_EQ(first->device->GetBdfId(), "0000:1c:00.0");
-    EXPECT_EQ(manager.GetDieByVornId(5), nullptr);  // one die fewer
+    EXPECT_EQ(manager.GetDieByVornId(6), nullptr);  // 1b took its two dies with it
 }
 
 TEST(GuestDiscovery, SeesOnlyVirtualFunctions) {

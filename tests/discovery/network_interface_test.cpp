@@ -66,7 +66,7 @@ TEST(NetworkInterfaces, InfinibandPortsAndGpusWithInfiniband) {
     EXPECT_EQ(list[0].bdf, "0000:1c:00.0");
     EXPECT_EQ(list[1].bdf, c_nic);
     EXPECT_EQ(list[1].index, 1u);
-    EXPECT_EQ(dkSmlGetDeviceCount(), 5u);  // still a GPU
+    EXPECT_EQ(dkSmlGetDeviceCount(), 6u);  // still a GPU
 }
 
 }  // namespace

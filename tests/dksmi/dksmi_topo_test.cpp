@@ -24,13 +24,14 @@ TEST_F(DksmiTopo, ServerMatrixShowsTheLevelsOfItsLinksAndBridges) {
     const RunResult jsonRun = RunDksmi("topo --json");
     ASSERT_EQ(jsonRun.exitCode, 0) << jsonRun.err;
     const json document = json::parse(jsonRun.out);
-    ASSERT_EQ(document["gpus"].size(), 5u);
+    ASSERT_EQ(document["gpus"].size(), 6u);
     const json& first = document["gpus"][0];
     EXPECT_EQ(first["bus_id"], "0000:1b:00.0");
-    EXPECT_EQ(first["links"], json::array({"X", "DL", "PXB", "DL", "SYS"}));
+    EXPECT_EQ(first["links"], json::array({"X", "DL", "PXB", "DL", "SYS", "SYS"}));
     EXPECT_EQ(first["cpu_affinity"], "0-31,64-95");
     EXPECT_EQ(first["numa_affinity"], json::array({0}));
     EXPECT_EQ(document["gpus"][4]["numa_affinity"], json::array({1}));
+    EXPECT_EQ(document["gpus"][5]["links"], json::array({"SYS", "SYS", "SYS", "NODE", "NODE", "X"}));
 }
 
 TEST_F(DksmiTopo, WorkstationNicRowUsesTheVirtualSwitch) {

@@ -36,7 +36,7 @@ protected:
     static void SetUpTestSuite() {
         host = new vhost::ScopedHost("server");
         ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
-        for (uint32_t index : {0u, 1u, 2u, 3u, 4u, 100u, 101u}) {
+        for (uint32_t index : {0u, 1u, 2u, 3u, 4u, 5u, 100u, 101u}) {
             DkSmlDeviceInfo info{};
             if (dkSmlGetDeviceInfo(index, &info) == DK_SML_SUCCESS) indexOf[info.bdfId] = index;
         }
@@ -58,6 +58,9 @@ protected:
 constexpr const char* c_twoDie = "0000:1b:00.0";    // DKK6-A, brand 4, two dies
 constexpr const char* c_hostOfVfs = "0000:1e:00.0"; // DKK2, brand 2, hosts two VFs
 constexpr const char* c_vf = "0000:1e:00.1";
+constexpr const char* c_byQuantity = "0000:e1:00.0"; // DKQ9-A, inference line
+constexpr const char* c_boardMaster = "0000:1b:00.0"; // reports its two-device board
+constexpr const char* c_boardSecond = "0000:1c:00.0"; // DKK6-AL on the same board
 
 // The values are in the golden transcripts; the refusals are not.
 TEST_F(PowerServer, PmbusRefusesAnAbsentRailAndVfs) {
@@ -69,24 +72,35 @@ TEST_F(PowerServer, PmbusRefusesAnAbsentRailAndVfs) {
 }
 
 // The inference line lists the board readings quantity by quantity.
-TEST(PowerOtherBrand, BoardWaysGroupedByQuantity) {
-    nlohmann::json profile = vhost::LoadProfile("server");
-    profile["devices"].push_back({{"bus_id", "0000:e1:00.0"}, {"model", "DKQ9-A"}, {"numa_node", 1}});
-    vhost::ScopedHost host(profile);
-    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
-    uint32_t index = 0;
-    for (; index < 8; ++index) {
-        DkSmlDeviceInfo info{};
-        if (dkSmlGetDeviceInfo(index, &info) == DK_SML_SUCCESS && std::string(info.bdfId) == "0000:e1:00.0") break;
-    }
-    ASSERT_LT(index, 8u);
+TEST_F(PowerServer, BoardWaysGroupedByQuantity) {
     DkSmlBoardWayElectricInfo ways[2]{};
     uint32_t count = 2;
-    ASSERT_EQ(dkSmlGetBoardPowerInfo(index, &count, ways), DK_SML_SUCCESS);
-    const std::string text = host.ReadFile("/sys/bus/pci/devices/0000:e1:00.0/smi/showboardpowerinfo");
+    ASSERT_EQ(dkSmlGetBoardPowerInfo(Index(c_byQuantity), &count, ways), DK_SML_SUCCESS);
+    ASSERT_EQ(count, 2u);
+    const std::string text = Attr(c_byQuantity, "showboardpowerinfo");
     EXPECT_EQ(ways[1].values[0], Values(text, "voltage").at(1));
     EXPECT_EQ(ways[1].values[1], Values(text, "current").at(1));
     EXPECT_EQ(ways[1].values[2], Values(text, "power").at(1));
+}
+
+// The second device of a two-device board has no board monitor: its readings
+// are the first device's, found through the board both serials name.
+TEST_F(PowerServer, SecondDeviceOfABoardReportsThroughItsMaster) {
+    ASSERT_NE(Attr(c_boardSecond, "showboardpowerinfo").find("not support"), std::string::npos);
+    uint32_t board = 0, otherBoard = 0;
+    ASSERT_EQ(dkSmlGetDeviceBoardId(Index(c_boardSecond), &board), DK_SML_SUCCESS);
+    ASSERT_EQ(dkSmlGetDeviceBoardId(Index(c_boardMaster), &otherBoard), DK_SML_SUCCESS);
+    EXPECT_EQ(board, otherBoard);
+    DkSmlBoardWayElectricInfo ways[2]{};
+    uint32_t count = 1;
+    ASSERT_EQ(dkSmlGetBoardPowerInfo(Index(c_boardSecond), &count, ways), DK_SML_ERROR_INSUFFICIENT_SIZE);
+    EXPECT_EQ(count, 2u);
+    ASSERT_EQ(dkSmlGetBoardPowerInfo(Index(c_boardSecond), &count, ways), DK_SML_SUCCESS);
+    for (int way = 0; way < 2; ++way) {
+        const std::vector<long long> master =
+            Values(Attr(c_boardMaster, "showboardpowerinfo"), "way" + std::to_string(way));
+        for (int q = 0; q < 3; ++q) EXPECT_EQ(ways[way].values[q], master.at(q)) << way << " " << q;
+    }
 }
 
 TEST_F(PowerServer, PciPowerStateAlsoForTheLimitedDevice) {
@@ -94,9 +108,9 @@ TEST_F(PowerServer, PciPowerStateAlsoForTheLimitedDevice) {
     EXPECT_EQ(dkSmlGetPciPowerState(Index(c_twoDie), &state), DK_SML_SUCCESS);
     EXPECT_EQ(state, DK_SML_PCI_POWER_STATE_D0);
     DkSmlLimitedDeviceInfo limited{};
-    ASSERT_EQ(dkSmlGetLimitedDeviceInfo(5, &limited), DK_SML_SUCCESS);
+    ASSERT_EQ(dkSmlGetLimitedDeviceInfo(6, &limited), DK_SML_SUCCESS);  // after the six usable GPUs
     // The limited device is the one without the file: it is asked, not skipped.
-    EXPECT_EQ(dkSmlGetPciPowerState(5, &state), DK_SML_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(dkSmlGetPciPowerState(6, &state), DK_SML_ERROR_NOT_SUPPORTED);
     EXPECT_EQ(dkSmlGetPciPowerState(4242, &state), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
 }
 

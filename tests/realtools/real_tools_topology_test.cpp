@@ -173,8 +173,8 @@ TEST_F(LstopoAgreesWithTheLibrary, OnTheServer) {
 }
 
 // Without its interconnect links every pair of the server shows its PCIe
-// relation: one switch, several switches, a host bridge, and the system (no
-// two of its GPUs meet only at a NUMA node).
+// relation, and all five of them occur: one switch, several switches, a host
+// bridge, a NUMA node (the inference card beside the node-1 GPUs) and the system.
 TEST_F(LstopoAgreesWithTheLibrary, OnTheServerWithoutInterconnectLinks) {
     nlohmann::json profile = vhost::LoadProfile("server");
     profile.erase("links");
@@ -183,7 +183,8 @@ TEST_F(LstopoAgreesWithTheLibrary, OnTheServerWithoutInterconnectLinks) {
     std::sort(seen.begin(), seen.end());
     seen.erase(std::unique(seen.begin(), seen.end()), seen.end());
     EXPECT_EQ(seen, (std::vector<DkSmlGpuTopologyLevel>{DK_SML_TOPOLOGY_SINGLE_SWITCH, DK_SML_TOPOLOGY_MULTIPLE_SWITCHES,
-                                                        DK_SML_TOPOLOGY_HOST_BRIDGE, DK_SML_TOPOLOGY_SYSTEM}));
+                                                        DK_SML_TOPOLOGY_HOST_BRIDGE, DK_SML_TOPOLOGY_NUMA_NODE,
+                                                        DK_SML_TOPOLOGY_SYSTEM}));
 }
 
 }  // namespace

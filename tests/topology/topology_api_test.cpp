@@ -20,13 +20,15 @@ namespace {
 using test::MakeHost;
 
 // Device indices of the server profile, in bus order (its DKK1 is limited).
-constexpr uint32_t c_serverGpus = 5;
+constexpr uint32_t c_serverGpus = 6;
 
 // Levels the server profile's links and bridges imply: 1b-1c, af-b0 and
 // 1b-af are interconnect links (5); 1e shares only the root port of 1b/1c
-// (2); across the sockets the level is 6.
+// (2); across the sockets the level is 6; e1 shares only the NUMA node of
+// af and b0 (4).
 constexpr uint32_t c_serverLevels[c_serverGpus][c_serverGpus] = {
-    {0, 5, 2, 5, 6}, {5, 0, 2, 6, 6}, {2, 2, 0, 6, 6}, {5, 6, 6, 0, 5}, {6, 6, 6, 5, 0},
+    {0, 5, 2, 5, 6, 6}, {5, 0, 2, 6, 6, 6}, {2, 2, 0, 6, 6, 6}, {5, 6, 6, 0, 5, 4}, {6, 6, 6, 5, 0, 4},
+    {6, 6, 6, 4, 4, 0},
 };
 
 TEST(TopologyApi, ServerLevelsFollowLinksAndBridges) {
@@ -99,7 +101,7 @@ TEST(TopologyApi, CpuAndNodeMasksOfTheServer) {
     EXPECT_EQ(nodes, 0x2u);
     EXPECT_EQ(dkSmlGetCpuAffinity(0, 0, cpus), DK_SML_ERROR_INVALID_INPUT);
     EXPECT_EQ(dkSmlGetCpuAffinity(0, 1, nullptr), DK_SML_ERROR_INVALID_INPUT);
-    EXPECT_EQ(dkSmlGetNodeAffinity(5, 1, &nodes), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+    EXPECT_EQ(dkSmlGetNodeAffinity(6, 1, &nodes), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);  // the limited DKK1
 }
 
 TEST(TopologyApi, SingleNumaHostFilesEveryGpuUnderNode0) {
@@ -151,7 +153,7 @@ TEST(TopologyApi, PinningGoesThroughTheSystemUtilities) {
     EXPECT_EQ(utils->cpus, (std::set<int>{0, 1, 2, 3, 4, 5}));
     utils->result = 22;
     EXPECT_EQ(dkSmlSetCpuAffinity(0), DK_SML_ERROR_FAILURE);
-    EXPECT_EQ(dkSmlSetCpuAffinity(5), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+    EXPECT_EQ(dkSmlSetCpuAffinity(6), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
     EXPECT_EQ(dkSmlClearCpuAffinity(100), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
     (void)dkSmlInitWithFlags(1);  // back to the real system calls
 }
@@ -242,7 +244,7 @@ TEST(TopologyApi, SocketsLinkNumbersAndRemoteInfo) {
     std::shared_ptr<DkTopology> topology = DkSystemManager::GetInstance().GetTopology();
     ASSERT_TRUE(topology);
     EXPECT_EQ(topology->GetSocketMap().at(0), (std::vector<uint32_t>{0, 1, 2}));
-    EXPECT_EQ(topology->GetSocketMap().at(1), (std::vector<uint32_t>{3, 4}));
+    EXPECT_EQ(topology->GetSocketMap().at(1), (std::vector<uint32_t>{3, 4, 5}));
     EXPECT_EQ(topology->GetTopologyId(4), 4u);
     EXPECT_EQ(topology->GetTopologyId(100), UINT32_MAX);
     EXPECT_EQ(topology->GetDeviceDravikLinkNumber(0), 7u);  // a DKK6 board: full mesh of eight

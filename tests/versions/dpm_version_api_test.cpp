@@ -103,10 +103,10 @@ TEST_F(DpmApiTest, VersionsOfADevice) {
 
     // The limited device answers its VBIOS version only.
     size = sizeof text;
-    ASSERT_EQ(dkSmlGetDeviceVersion(5, DK_SML_VERSION_VBIOS, text, &size), DK_SML_SUCCESS);
+    ASSERT_EQ(dkSmlGetDeviceVersion(6, DK_SML_VERSION_VBIOS, text, &size), DK_SML_SUCCESS);
     EXPECT_EQ(std::string(text).rfind("016.2.", 0), 0u) << text;
     size = sizeof text;
-    EXPECT_EQ(dkSmlGetDeviceVersion(5, DK_SML_VERSION_DRIVER, text, &size), DK_SML_ERROR_INVALID_INPUT);
+    EXPECT_EQ(dkSmlGetDeviceVersion(6, DK_SML_VERSION_DRIVER, text, &size), DK_SML_ERROR_INVALID_INPUT);
 
     char tiny[3];
     size = sizeof tiny;

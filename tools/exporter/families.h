@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <span>
 #include <string>
 #include <string_view>
@@ -68,8 +69,10 @@ bool AbsenceIsAValue(std::string_view metricName);
 
 // The GPU's labels plus `die`.
 LabelList DieLabels(const GpuTarget& gpu, uint32_t die);
-// The GPU's labels plus extra pairs.
-LabelList WithLabels(const LabelList& base, const LabelList& extra);
+// The GPU's labels plus extra pairs (the second form appends to a list made
+// for it, such as DieLabels's, which has room for a few more).
+LabelList WithLabels(const LabelList& base, std::initializer_list<LabelView> extra);
+LabelList WithLabels(LabelList&& base, std::initializer_list<LabelView> extra);
 
 // Collectors (one file per kind of value).
 void CollectDeviceInfo(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors);

@@ -13,17 +13,22 @@ constexpr MetricSpec kMemory{"dksml_processes_memory_bytes", "Device memory the 
 constexpr MetricSpec kProcessMemory{"dksml_process_memory_bytes",
                                     "Device memory one process uses on the GPU, in bytes (--per-process)."};
 
-constexpr uint32_t c_processCapacity = 64;
+// Room for the processes of one GPU on a first read. The library clears and
+// converts as many records as it is given room for, so a small start keeps a
+// scrape cheap; a GPU with more processes is read again with room for all.
+constexpr uint32_t c_processCapacity = 8;
 
 }  // namespace
 
 void CollectProcesses(const ScrapeContext& context, MetricSink& sink, FamilyErrors& errors) {
     std::vector<DkSmlProcessInfo> infos(c_processCapacity);
     for (const GpuTarget& gpu : context.gpus) {
-        uint32_t count = c_processCapacity;
+        uint32_t count = static_cast<uint32_t>(infos.size());
         DkSmlReturn status = dkSmlGetSingleGpuProcess(gpu.index, &count, infos.data());
-        if (status == DK_SML_ERROR_INSUFFICIENT_SIZE) {
+        // The library counts every process but fills only the records it has room for.
+        if (status == DK_SML_ERROR_INSUFFICIENT_SIZE || (status == DK_SML_SUCCESS && count > infos.size())) {
             infos.resize(count);
+            count = static_cast<uint32_t>(infos.size());
             status = dkSmlGetSingleGpuProcess(gpu.index, &count, infos.data());
         }
         if (!errors.Ok(status)) continue;

@@ -43,16 +43,21 @@ LabelList DieLabels(const GpuTarget& gpu, uint32_t die) {
     LabelList labels;
     labels.reserve(gpu.labels.size() + 4);  // room for the die and the labels added to it
     labels.insert(labels.end(), gpu.labels.begin(), gpu.labels.end());
-    labels.emplace_back("die", std::to_string(die));
+    labels.push_back({"die", std::to_string(die)});
     return labels;
 }
 
-LabelList WithLabels(const LabelList& base, const LabelList& extra) {
+LabelList WithLabels(const LabelList& base, std::initializer_list<LabelView> extra) {
     LabelList labels;
     labels.reserve(base.size() + extra.size());
     labels.insert(labels.end(), base.begin(), base.end());
-    labels.insert(labels.end(), extra.begin(), extra.end());
-    return labels;
+    return WithLabels(std::move(labels), extra);
+}
+
+LabelList WithLabels(LabelList&& base, std::initializer_list<LabelView> extra) {
+    base.reserve(base.size() + extra.size());
+    for (const LabelView& label : extra) base.push_back({std::string(label.name), std::string(label.value)});
+    return std::move(base);
 }
 
 }  // namespace dksml::exporter

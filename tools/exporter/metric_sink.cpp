@@ -5,8 +5,11 @@
 namespace dksml::exporter {
 
 prometheus::MetricFamily& MetricSink::Family(const MetricSpec& definition) {
+    if (&definition == m_lastDefinition) return m_families[m_lastFamily];
     const auto [found, inserted] = m_index.try_emplace(definition.name, m_families.size());
     if (inserted) m_families.push_back(prometheus::MetricFamily{definition.name, definition.help, definition.type, {}});
+    m_lastDefinition = &definition;
+    m_lastFamily = found->second;
     return m_families[found->second];
 }
 
@@ -17,9 +20,7 @@ void MetricSink::Add(const MetricSpec& definition, const LabelList& labels, doub
 void MetricSink::Add(const MetricSpec& definition, LabelList&& labels, double value) {
     prometheus::MetricFamily& family = Family(definition);
     prometheus::ClientMetric metric;
-    metric.label.reserve(labels.size());
-    for (auto& [name, text] : labels)
-        metric.label.push_back(prometheus::ClientMetric::Label{std::move(name), std::move(text)});
+    metric.label = std::move(labels);
     if (definition.type == prometheus::MetricType::Counter)
         metric.counter.value = value;
     else

@@ -1,6 +1,7 @@
 #include "scrape_collector.h"
 
 #include <condition_variable>
+#include <cstring>
 #include <thread>
 
 #include "metric_sink.h"
@@ -51,7 +52,7 @@ std::vector<GpuTarget> DiscoverTargets(FamilyErrors& errors) {
     return gpus;
 }
 
-const std::string& LabelValue(const prometheus::ClientMetric& metric, const char* name) {
+const std::string& LabelValue(const prometheus::ClientMetric& metric, std::string_view name) {
     static const std::string c_none;
     for (const prometheus::ClientMetric::Label& label : metric.label)
         if (label.name == name) return label.value;
@@ -62,7 +63,7 @@ const std::string& LabelValue(const prometheus::ClientMetric& metric, const char
 // families from `first` on. A family's series come GPU by GPU and die by die,
 // so a key is made only where bus id or die change.
 void NotePresent(const char* family, const std::vector<prometheus::MetricFamily>& families, size_t first,
-                 std::set<std::string>& present) {
+                 std::unordered_set<std::string>& present) {
     for (size_t f = first; f < families.size(); ++f) {
         if (AbsenceIsAValue(families[f].name)) continue;
         const std::string* lastBusId = nullptr;
@@ -71,7 +72,11 @@ void NotePresent(const char* family, const std::vector<prometheus::MetricFamily>
             const std::string& busId = LabelValue(metric, "bus_id");
             const std::string& die = LabelValue(metric, "die");
             if (lastBusId != nullptr && *lastBusId == busId && *lastDie == die) continue;
-            present.insert(std::string(family) + "|" + busId + "|" + die + "|" + families[f].name);
+            const std::string& name = families[f].name;
+            std::string key;
+            key.reserve(std::strlen(family) + busId.size() + die.size() + name.size() + 3);
+            key.append(family).append(1, '|').append(busId).append(1, '|').append(die).append(1, '|').append(name);
+            present.insert(std::move(key));
             lastBusId = &busId;
             lastDie = &die;
         }

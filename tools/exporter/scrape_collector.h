@@ -11,6 +11,7 @@
 #include <mutex>
 #include <set>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include <prometheus/collectable.h>
@@ -31,7 +32,7 @@ struct CollectionResult {
     std::map<std::string, uint32_t> errors;  // family -> errors in this collection
     // "family|bus_id|die|metric" of every series group this collection
     // served, and the bus ids of the GPUs it saw.
-    std::set<std::string> present;
+    std::unordered_set<std::string> present;
     std::set<std::string> busIds;
 };
 
@@ -58,7 +59,7 @@ private:
     // missing, which is right for a model without it but hides a file that
     // went away. What a GPU once served is expected from it until the next
     // discovery; a scrape that lacks it counts an error for its family.
-    mutable std::set<std::string> m_expected;
+    mutable std::unordered_set<std::string> m_expected;
     mutable uint64_t m_expectedDiscovery = 0;
 };
 
