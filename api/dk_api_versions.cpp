@@ -2,6 +2,7 @@
 #include "api/dk_api_service_call.h"
 #include "core/dk_host_root.h"
 #include "dksml.h"
+#include "driver/dk_driver_data_handler.h"
 #include "features/version/dk_version.h"
 #include "features/version/dk_version_text.h"
 
@@ -40,8 +41,12 @@ DKSML_API DkSmlReturn dkSmlGetDeviceVersion(uint32_t deviceIndex, DkSmlVersionUn
         DkSmlLimitedDeviceInfo limited{};
         DkSmlReturn result = manager.GetLimitedDeviceInfo(deviceIndex, &limited);
         if (result != DK_SML_SUCCESS) return result;
-        const std::string smiPath = HostPath(g_dkDeviceSearchPath + "/" + limited.bdfId + "/smi/");
-        return WithVersionService([&](DkVersion& s) { return s.GetBiosVersion(smiPath, version, size); });
+        // A handler of its own over the limited device's attribute directory.
+        DkDriverDataSource source;
+        source.smiPath0 = HostPath(g_dkDeviceSearchPath + "/" + limited.bdfId + "/smi/");
+        DkLinuxDriverDataHandler handler;
+        handler.Attach(std::move(source));
+        return WithVersionService([&](DkVersion& s) { return s.GetBiosVersion(handler, version, size); });
     });
 }
 

@@ -84,11 +84,11 @@ DkDevice::DkDevice(std::string searchPath, std::shared_ptr<const DkHostRoot> roo
 void DkDevice::OpenDirectories() {
     auto dirs = std::make_shared<DkDeviceDirs>();
     dirs->root = m_root;
-    dirs->device = m_root->OpenDir(m_deviceDir);
-    // The die directories through the device's own: one lookup each instead
+    dirs->function = m_root->OpenDir(m_deviceDir);
+    // The die directories through the function's own: one lookup each instead
     // of the whole path and the bus link again.
-    dirs->smi0 = dirs->device.OpenSubdir("smi");
-    dirs->smi1 = dirs->device.OpenSubdir("smi1");
+    dirs->smi0 = dirs->function.OpenSubdir("smi");
+    dirs->smi1 = dirs->function.OpenSubdir("smi1");
     if (!m_nodePath.empty()) dirs->node = m_root->OpenDir(m_nodePath);
     m_dirs = std::move(dirs);
 }
@@ -369,6 +369,21 @@ DkSmlReturn DkDevice::Initialize() {
 DkSmlReturn DkDevice::FetchDriverData(unsigned int dieId, dravik_smi_opcode op, std::string& text) {
     if (!m_handler) return DK_SML_ERROR_FAILURE;
     return m_handler->FetchData(dieId, op, text);
+}
+
+DkSmlReturn DkDevice::FetchIndexedDriverData(unsigned int index, dravik_smi_opcode op, std::string& text) {
+    if (!m_handler) return DK_SML_ERROR_FAILURE;
+    return m_handler->FetchIndexedData(index, op, text);
+}
+
+DkSmlReturn DkDevice::SetIndexedDriverData(unsigned int index, dravik_smi_opcode op, const std::string& text) {
+    if (!m_handler) return DK_SML_ERROR_FAILURE;
+    return m_handler->SetIndexedData(index, op, text);
+}
+
+DkSmlReturn DkDevice::ListDriverData(unsigned int index, dravik_smi_opcode op, std::vector<std::string>& names) {
+    if (!m_handler) return DK_SML_ERROR_FAILURE;
+    return m_handler->ListData(index, op, names);
 }
 
 DkSmlReturn DkDevice::SetDriverData(unsigned int dieId, dravik_smi_opcode op, const std::string& text) {

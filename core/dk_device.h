@@ -54,6 +54,9 @@ public:
 
     DkSmlReturn FetchDriverData(unsigned int dieId, dravik_smi_opcode op, std::string& text) override;
     DkSmlReturn SetDriverData(unsigned int dieId, dravik_smi_opcode op, const std::string& text) override;
+    DkSmlReturn FetchIndexedDriverData(unsigned int index, dravik_smi_opcode op, std::string& text) override;
+    DkSmlReturn ListDriverData(unsigned int index, dravik_smi_opcode op, std::vector<std::string>& names) override;
+    DkSmlReturn SetIndexedDriverData(unsigned int index, dravik_smi_opcode op, const std::string& text) override;
     DkSmlReturn SetRegisterData(unsigned int dieId, unsigned long address, unsigned int value) override;
     DkSmlReturn GetRegisterData(unsigned int dieId, unsigned long address, unsigned int* value) override;
 

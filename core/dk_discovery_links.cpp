@@ -75,7 +75,7 @@ void DkSystemManager::ConnectPfAndVfDevice() {
         std::shared_ptr<IDkDevice> pf = pfIt->second;
         const std::shared_ptr<const DkDeviceDirs> dirs = pf->GetDeviceDirs();
         std::string text;
-        if (!dirs || ReadFileTextAt(dirs->device.Get(), c_gpuvfFile, text) != DK_SML_SUCCESS) continue;
+        if (!dirs || ReadFileTextAt(dirs->function.Get(), c_gpuvfFile, text) != DK_SML_SUCCESS) continue;
         std::vector<DkGpuvfEntry> entries = ParseGpuvfFile(text);
         if (entries.empty()) continue;
         pf->SetDeviceVirtualizationMode(DK_SML_VIRTUALIZATION_MODE_PF);

@@ -69,7 +69,6 @@ private:
 // directories its driver requests use (the part the driver handler is given).
 struct DkDeviceDirs : DkDriverDirs {
     std::shared_ptr<const DkHostRoot> root;
-    DkDirFd device;  // the PCI function's directory
 };
 
 // Re-reads DK_SMI_FSROOT and opens the new root; called at every

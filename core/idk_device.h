@@ -96,6 +96,19 @@ public:
     // remain for the fixed-name files that are not requests.
     virtual DkSmlReturn FetchDriverData(unsigned int dieId, dravik_smi_opcode op, std::string& text) = 0;
     virtual DkSmlReturn SetDriverData(unsigned int dieId, dravik_smi_opcode op, const std::string& text) = 0;
+    // Requests whose file name holds an index (a slice id, a layout node id),
+    // and the names in a request's directory; see IDkDriverDataHandler.
+    virtual DkSmlReturn FetchIndexedDriverData(unsigned int /*index*/, dravik_smi_opcode /*op*/, std::string& /*text*/) {
+        return DK_SML_ERROR_NOT_SUPPORTED;
+    }
+    virtual DkSmlReturn SetIndexedDriverData(unsigned int /*index*/, dravik_smi_opcode /*op*/,
+                                             const std::string& /*text*/) {
+        return DK_SML_ERROR_NOT_SUPPORTED;
+    }
+    virtual DkSmlReturn ListDriverData(unsigned int /*index*/, dravik_smi_opcode /*op*/,
+                                       std::vector<std::string>& /*names*/) {
+        return DK_SML_ERROR_NOT_SUPPORTED;
+    }
     virtual DkSmlReturn SetRegisterData(unsigned int dieId, unsigned long address, unsigned int value) = 0;
     virtual DkSmlReturn GetRegisterData(unsigned int dieId, unsigned long address, unsigned int* value) = 0;
     virtual std::string GetSmiPath(unsigned int dieId) const = 0;   // ".../smi/" or ".../smi1/"

@@ -37,6 +37,7 @@ struct DkDriverDirs {
     DkDirFd smi0;  // "smi/"  (die 0)
     DkDirFd smi1;  // "smi1/" (any other die)
     DkDirFd node;  // the layout node's directory (not open without one)
+    DkDirFd function;  // the PCI function's own directory (slice and link files)
 };
 
 }  // namespace dksml

@@ -9,7 +9,9 @@
 
 #include <charconv>
 #include <cstring>
+#include <string_view>
 
+#include "driver/dk_dir_list.h"
 #include "driver/dk_driver_interface_manager.h"
 #include "driver/dk_read_session.h"
 #include "driver/dk_text.h"
@@ -42,6 +44,35 @@ DkSmlReturn FetchAt(const DkDirFd& dir, const char* name, std::string& text) {
     return ReadFileTextAt(dir.Get(), name[0] == '\0' ? "." : name, text);
 }
 
+// The request's name with "%u" replaced by the decimal index ("." for an
+// empty name); false when it does not fit.
+bool FormatName(std::string_view pattern, unsigned int index, char (&name)[128]) {
+    if (pattern.empty()) pattern = ".";
+    char digits[16];
+    std::string_view number;
+    const std::size_t at = pattern.find("%u");
+    if (at != std::string_view::npos) {
+        const auto res = std::to_chars(digits, digits + sizeof digits, index);
+        number = std::string_view(digits, static_cast<std::size_t>(res.ptr - digits));
+    }
+    const std::string_view head = pattern.substr(0, at);
+    const std::string_view tail = at == std::string_view::npos ? std::string_view() : pattern.substr(at + 2);
+    if (head.size() + number.size() + tail.size() >= sizeof name) return false;
+    char* out = name;
+    for (const std::string_view part : {head, number, tail}) {
+        std::memcpy(out, part.data(), part.size());
+        out += part.size();
+    }
+    *out = '\0';
+    return true;
+}
+
+// Path of a place the handler opens at each access ("" when it has none).
+DkDirFd OpenPlaceDir(const std::string& path) {
+    if (path.empty()) return DkDirFd(-1, ENOENT);
+    return OpenPathDir(path);
+}
+
 // Scratch text for the node files: reused, so repeated state queries do not allocate.
 std::string& NodeScratch() {
     thread_local std::string text;
@@ -61,21 +92,99 @@ std::string DkLinuxDriverDataHandler::GetDriverInterfaceFile(unsigned int dieId,
 
 DkSmlReturn DkLinuxDriverDataHandler::FetchData(unsigned int dieId, dravik_smi_opcode op, std::string& text) {
     if (!m_dirs) return DK_SML_ERROR_NOT_SUPPORTED;
-    const DkDirFd& dir = dieId == 0 ? m_dirs->smi0 : m_dirs->smi1;
-    const char* name = DkDriverInterfaceManager::GetDriverInterfaceRef(op).c_str();
-    if (DkReadSession* session = DkReadSession::Current())
-        return session->Fetch(m_dirs, dieId == 0 ? 0 : 1, op, text,
-                              [&](std::string& read) { return FetchAt(dir, name, read); });
-    return FetchAt(dir, name, text);
+    DkReadSession* session = DkReadSession::Current();
+    if (DkDriverInterfaceManager::GetRequestPlace(op) == DkRequestPlace::Smi) {  // the hot path: no formatting
+        const DkDirFd& dir = dieId == 0 ? m_dirs->smi0 : m_dirs->smi1;
+        const char* name = DkDriverInterfaceManager::GetDriverInterfaceRef(op).c_str();
+        if (session != nullptr)
+            return session->Fetch(m_dirs, dieId == 0 ? 0 : 1, op, text,
+                                  [&](std::string& read) { return FetchAt(dir, name, read); });
+        return FetchAt(dir, name, text);
+    }
+    const auto read = [&](std::string& out) {
+        DkDirFd scratch;
+        int dirFd = -1;
+        char name[128];
+        const DkSmlReturn resolved = Resolve(dieId, 0, op, scratch, dirFd, name);
+        if (resolved != DK_SML_SUCCESS) return resolved;
+        return ReadFileTextAt(dirFd, name, out);
+    };
+    // Records outside the die directories do not depend on the die.
+    if (session != nullptr) return session->Fetch(m_dirs, 0, op, text, read);
+    return read(text);
+}
+
+DkSmlReturn DkLinuxDriverDataHandler::FetchIndexedData(unsigned int index, dravik_smi_opcode op, std::string& text) {
+    DkDirFd scratch;
+    int dirFd = -1;
+    char name[128];
+    const DkSmlReturn resolved = Resolve(0, index, op, scratch, dirFd, name);
+    if (resolved != DK_SML_SUCCESS) return resolved;
+    return ReadFileTextAt(dirFd, name, text);
+}
+
+DkSmlReturn DkLinuxDriverDataHandler::ListData(unsigned int index, dravik_smi_opcode op,
+                                               std::vector<std::string>& names) {
+    DkDirFd scratch;
+    int dirFd = -1;
+    char name[128];
+    const DkSmlReturn resolved = Resolve(0, index, op, scratch, dirFd, name);
+    if (resolved != DK_SML_SUCCESS) return resolved;
+    return ListDirectoryAt(dirFd, name, names);
 }
 
 DkSmlReturn DkLinuxDriverDataHandler::SetData(unsigned int dieId, dravik_smi_opcode op, const std::string& text) {
     if (!m_dirs) return DK_SML_ERROR_NOT_SUPPORTED;
-    const DkDirFd& dir = dieId == 0 ? m_dirs->smi0 : m_dirs->smi1;
-    const std::string& name = DkDriverInterfaceManager::GetDriverInterfaceRef(op);
-    if (!dir.IsOpen()) return DK_SML_ERROR_NOT_SUPPORTED;
     DkReadSession::ForgetCurrent();  // the driver may answer differently after a write
-    return WriteFileTextAt(dir.Get(), name.empty() ? "." : name.c_str(), text);
+    if (DkDriverInterfaceManager::GetRequestPlace(op) == DkRequestPlace::Smi) {
+        const DkDirFd& dir = dieId == 0 ? m_dirs->smi0 : m_dirs->smi1;
+        const std::string& name = DkDriverInterfaceManager::GetDriverInterfaceRef(op);
+        if (!dir.IsOpen()) return DK_SML_ERROR_NOT_SUPPORTED;
+        return WriteFileTextAt(dir.Get(), name.empty() ? "." : name.c_str(), text,
+                               DkDriverInterfaceManager::CreatesOnWrite(op));
+    }
+    DkDirFd scratch;
+    int dirFd = -1;
+    char name[128];
+    const DkSmlReturn resolved = Resolve(dieId, 0, op, scratch, dirFd, name);
+    if (resolved != DK_SML_SUCCESS) return resolved;
+    return WriteFileTextAt(dirFd, name, text, DkDriverInterfaceManager::CreatesOnWrite(op));
+}
+
+DkSmlReturn DkLinuxDriverDataHandler::SetIndexedData(unsigned int index, dravik_smi_opcode op,
+                                                     const std::string& text) {
+    DkReadSession::ForgetCurrent();
+    DkDirFd scratch;
+    int dirFd = -1;
+    char name[128];
+    const DkSmlReturn resolved = Resolve(0, index, op, scratch, dirFd, name);
+    if (resolved != DK_SML_SUCCESS) return resolved;
+    return WriteFileTextAt(dirFd, name, text, DkDriverInterfaceManager::CreatesOnWrite(op));
+}
+
+// An absent directory answers DK_SML_ERROR_NOT_SUPPORTED, one that cannot be
+// opened DK_SML_ERROR_SYSFS, as for the file itself. An empty name addresses
+// the directory ("."), which is never readable as text.
+DkSmlReturn DkLinuxDriverDataHandler::Resolve(unsigned int dieId, unsigned int index, dravik_smi_opcode op,
+                                              DkDirFd& scratch, int& dirFd, char (&name)[128]) const {
+    if (!m_dirs) return DK_SML_ERROR_NOT_SUPPORTED;
+    const DkDirFd* dir = &scratch;
+    switch (DkDriverInterfaceManager::GetRequestPlace(op)) {
+        case DkRequestPlace::Smi: dir = dieId == 0 ? &m_dirs->smi0 : &m_dirs->smi1; break;
+        case DkRequestPlace::Function: dir = &m_dirs->function; break;
+        case DkRequestPlace::Node: dir = &m_dirs->node; break;
+        case DkRequestPlace::Debug: scratch = OpenPlaceDir(DebugDir()); break;
+        case DkRequestPlace::LayoutNodes:
+        case DkRequestPlace::Firmware:
+            scratch = OpenPlaceDir(m_placeDir != nullptr ? m_placeDir(DkDriverInterfaceManager::GetRequestPlace(op))
+                                                         : std::string());
+            break;
+    }
+    if (!dir->IsOpen()) return dir->OpenErrno() == ENOENT || dir->OpenErrno() == ENOTDIR ? DK_SML_ERROR_NOT_SUPPORTED
+                                                                                          : DK_SML_ERROR_SYSFS;
+    if (!FormatName(DkDriverInterfaceManager::GetDriverInterfaceRef(op), index, name)) return DK_SML_ERROR_SYSFS;
+    dirFd = dir->Get();
+    return DK_SML_SUCCESS;
 }
 
 DkSmlReturn DkLinuxDriverDataHandler::FetchNodeDataActive(int& active) {
@@ -96,9 +205,12 @@ DkSmlReturn DkLinuxDriverDataHandler::FetchNodeDataInactiveReason(unsigned int i
     return FetchAt(m_dirs->node, name, text);
 }
 
-// (ROOT_PATH_REG_DUMP, used as given, or the driver's debug directory) + "/reg_dump".
-std::string DkLinuxDriverDataHandler::RegisterDumpPath() const {
-    return GetEnv("ROOT_PATH_REG_DUMP", "/reg_dump", m_debugDir != nullptr ? m_debugDir() : std::string());
+// The driver's debug directory + "/reg_dump".
+std::string DkLinuxDriverDataHandler::RegisterDumpPath() const { return DebugDir() + "/reg_dump"; }
+
+// ROOT_PATH_REG_DUMP, used as given, or the driver's debug directory.
+std::string DkLinuxDriverDataHandler::DebugDir() const {
+    return GetEnv("ROOT_PATH_REG_DUMP", "", m_placeDir != nullptr ? m_placeDir(DkRequestPlace::Debug) : std::string());
 }
 
 void DkLinuxDriverDataHandler::Attach(DkDriverDataSource source) {
@@ -106,13 +218,15 @@ void DkLinuxDriverDataHandler::Attach(DkDriverDataSource source) {
     m_smiPath0 = std::move(source.smiPath0);
     m_smiPath1 = std::move(source.smiPath1);
     m_nodePath = std::move(source.nodePath);
-    m_debugDir = source.debugDir;
+    m_functionPath = std::move(source.functionPath);
+    m_placeDir = source.placeDir;
     m_dirs = std::move(source.dirs);
     if (m_dirs) return;
     auto dirs = std::make_shared<DkDriverDirs>();
     dirs->smi0 = OpenPathDir(m_smiPath0);
     dirs->smi1 = OpenPathDir(m_smiPath1);
     dirs->node = OpenPathDir(m_nodePath);
+    dirs->function = OpenPathDir(m_functionPath);
     m_dirs = std::move(dirs);
 }
 

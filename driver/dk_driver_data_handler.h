@@ -1,6 +1,8 @@
 // Per-device access to the driver's attribute files. A request identifier and
 // a die index become a read or write of a file in the device's "/smi/" (die 0)
-// or "/smi1/" (any other die) directory.
+// or "/smi1/" (any other die) directory; the request table places the few
+// files the driver keeps elsewhere (the PCI function's directory, the layout
+// nodes, the debug directory, the firmware tables).
 //
 // The handler knows nothing of devices: it is given a DkDriverDataSource (the
 // device's paths and directory descriptors) and names requests through the
@@ -10,9 +12,11 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "dksml.h"
 #include "driver/dk_dir_fd.h"
+#include "driver/dk_driver_interface_manager.h"
 #include "driver/dk_opcode.h"
 
 namespace dksml {
@@ -24,11 +28,13 @@ struct DkDriverDataSource {
     std::string smiPath0;  // ends in "/smi/"
     std::string smiPath1;  // ends in "/smi1/"
     std::string nodePath;  // node root + node number
-    // Open directories of the three paths; null to have the handler open them.
+    std::string functionPath;  // the PCI function's directory
+    // Open directories of the paths above; null to have the handler open them.
     std::shared_ptr<const DkDriverDirs> dirs;
-    // The driver's debug directory under the current host root, asked at each
-    // register access (the register-dump file lives there).
-    std::string (*debugDir)() = nullptr;
+    // Directory of a place the device does not keep open (the layout root,
+    // the driver's debug directory, the firmware tables), asked at each access
+    // so that it follows the host root in force.
+    std::string (*placeDir)(DkRequestPlace place) = nullptr;
 };
 
 class IDkDriverDataHandler {
@@ -36,7 +42,15 @@ public:
     virtual ~IDkDriverDataHandler() = default;
     // Whole text of the request's attribute: DK_SML_ERROR_NOT_SUPPORTED absent,
     // DK_SML_ERROR_SYSFS unopenable; the output is changed only on success.
+    // The die selects the directory of smi requests only.
     virtual DkSmlReturn FetchData(unsigned int dieId, dravik_smi_opcode op, std::string& text) = 0;
+    // The same for a request whose name holds an index (a slice or node id).
+    virtual DkSmlReturn FetchIndexedData(unsigned int index, dravik_smi_opcode op, std::string& text) = 0;
+    // Writes `text` + "\n" to a request whose name holds an index; statuses as SetData.
+    virtual DkSmlReturn SetIndexedData(unsigned int index, dravik_smi_opcode op, const std::string& text) = 0;
+    // Names in the request's directory, "." and ".." left out, in no set
+    // order: DK_SML_ERROR_NOT_SUPPORTED absent, DK_SML_ERROR_SYSFS unlistable.
+    virtual DkSmlReturn ListData(unsigned int index, dravik_smi_opcode op, std::vector<std::string>& names) = 0;
     // Writes `text` + "\n": DK_SML_ERROR_NOT_SUPPORTED absent,
     // DK_SML_ERROR_SYSFS unopenable, DK_SML_ERROR_SYSFS_WRITE refused by the driver.
     virtual DkSmlReturn SetData(unsigned int dieId, dravik_smi_opcode op, const std::string& text) = 0;
@@ -53,6 +67,9 @@ public:
 class DkLinuxDriverDataHandler final : public IDkDriverDataHandler {
 public:
     DkSmlReturn FetchData(unsigned int dieId, dravik_smi_opcode op, std::string& text) override;
+    DkSmlReturn FetchIndexedData(unsigned int index, dravik_smi_opcode op, std::string& text) override;
+    DkSmlReturn ListData(unsigned int index, dravik_smi_opcode op, std::vector<std::string>& names) override;
+    DkSmlReturn SetIndexedData(unsigned int index, dravik_smi_opcode op, const std::string& text) override;
     DkSmlReturn SetData(unsigned int dieId, dravik_smi_opcode op, const std::string& text) override;
     DkSmlReturn FetchNodeDataActive(int& active) override;
     DkSmlReturn FetchNodeDataInactiveReason(unsigned int index, std::string& text) override;
@@ -69,6 +86,11 @@ public:
 
 private:
     std::string RegisterDumpPath() const;
+    std::string DebugDir() const;
+    // The directory and file name a request addresses; `scratch` holds a
+    // directory opened for this access and `name` the formatted name.
+    DkSmlReturn Resolve(unsigned int dieId, unsigned int index, dravik_smi_opcode op, DkDirFd& scratch,
+                        int& dirFd, char (&name)[128]) const;
 
     // The device's directory descriptors (or ones opened from the paths it
     // reports, for devices that keep none): every request is one openat.
@@ -76,7 +98,8 @@ private:
     std::string m_smiPath0;  // ends in "/smi/"
     std::string m_smiPath1;  // ends in "/smi1/"
     std::string m_nodePath;  // node root + node number
-    std::string (*m_debugDir)() = nullptr;
+    std::string m_functionPath;
+    std::string (*m_placeDir)(DkRequestPlace place) = nullptr;
 };
 
 }  // namespace dksml

@@ -15,6 +15,7 @@ namespace {
 struct DkInterfaceEntry {
     dravik_smi_opcode op;
     std::string_view name;
+    DkRequestPlace place = DkRequestPlace::Smi;
 };
 
 // Named requests, in opcode order.
@@ -118,6 +119,45 @@ constexpr DkInterfaceEntry c_namedRequests[] = {
     {DRAVIK_SMI_SHOWPCIDELAY, "showpcidelay"},
     {DRAVIK_SMI_DPMINTERVAL, "dpminterval"},
     {DRAVIK_SMI_SHOWTOPOLOGY, "showtopology"},
+    {DRAVIK_SMI_SETPCIDELAY, "setpcidelay"},
+    {DRAVIK_SMI_SETPCISPEED, "setpcispeed"},
+    // Files in other directories; "%u" stands for the request's index.
+    {DRAVIK_SMI_MAXLINKSPEED, "max_link_speed", DkRequestPlace::Function},
+    {DRAVIK_SMI_MAXLINKWIDTH, "max_link_width", DkRequestPlace::Function},
+    {DRAVIK_SMI_UPSTREAMPORT, "..", DkRequestPlace::Function},
+    {DRAVIK_SMI_UPSTREAMMAXLINKSPEED, "../max_link_speed", DkRequestPlace::Function},
+    {DRAVIK_SMI_UPSTREAMMAXLINKWIDTH, "../max_link_width", DkRequestPlace::Function},
+    {DRAVIK_SMI_DMITABLE, "DMI", DkRequestPlace::Firmware},
+    {DRAVIK_SMI_SELECTGPUID, "select_gpu_id", DkRequestPlace::Debug},
+    {DRAVIK_SMI_SGPU_MODE, "model", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_DIR, "sgpu", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_AVAILABLE_DEVCNT, "sgpu/available_devcnt", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_AVAILABLE_VRAM_QUOTA, "sgpu/available_vram_quota", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_AVAILABLE_SCHED_QUOTA, "sgpu/available_sched_quota", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_TOTAL_VRAM_QUOTA, "sgpu/total_vram_quota", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_SCHED_TIMESLICE, "sgpu/sched_timeslice", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_SCHED_CLASS, "sgpu/sched_class", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_SLICE, "sgpu/sgpu%u", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_SLICE_NODE_ID, "sgpu/sgpu%u/node_id", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_SLICE_VRAM_QUOTA, "sgpu/sgpu%u/vram_quota", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_SLICE_SCHED_QUOTA, "sgpu/sgpu%u/sched_quota", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_SLICE_SCHED_PRIORITY, "sgpu/sgpu%u/sched_priority", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_SLICE_MINOR, "sgpu/sgpu%u/minor", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_SLICE_ONLINE, "sgpu/sgpu%u/online", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_SLICE_GPU_ID, "sgpu/sgpu%u/gpu_id", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_SLICE_UTILIZATION, "sgpu/sgpu%u/utilization", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_SLICE_MEMINFO, "sgpu/sgpu%u/meminfo", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_SLICE_ALIAS, "sgpu/sgpu%u/alias", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_SLICE_ANNOTATIONS, "sgpu/sgpu%u/annotations", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_SLICE_OVERRUN, "sgpu/sgpu%u/overrun", DkRequestPlace::Function},
+    {DRAVIK_SMI_LAYOUT_NODE_UNIQUE_ID, "%u/unique_id", DkRequestPlace::LayoutNodes},
+    {DRAVIK_SMI_LAYOUT_NODE_ACTIVE, "%u/active", DkRequestPlace::LayoutNodes},
+    {DRAVIK_SMI_SGPU_CREATE, "sgpu/create", DkRequestPlace::Function},
+    {DRAVIK_SMI_SGPU_REMOVE, "sgpu/remove", DkRequestPlace::Function},
+    {DRAVIK_SMI_NODE_DIRECT_LINKS, "direct_links", DkRequestPlace::Node},
+    {DRAVIK_SMI_NODE_INDIRECT_LINKS, "indirect_links", DkRequestPlace::Node},
+    {DRAVIK_SMI_NODE_DIRECT_LINK_PROPERTIES, "direct_links/%u/properties", DkRequestPlace::Node},
+    {DRAVIK_SMI_NODE_INDIRECT_LINK_PROPERTIES, "indirect_links/%u/properties", DkRequestPlace::Node},
 };
 
 // Numbers the driver reserves without an attribute. They are entered with the
@@ -178,7 +218,36 @@ const std::array<std::string, c_driverInterfaceSlots>& FlatTable() {
     return table;
 }
 
+// Command files that writes create when absent.
+constexpr dravik_smi_opcode c_createdOnWrite[] = {
+    DRAVIK_SMI_DPMINTERVAL,           DRAVIK_SMI_SETPCIDELAY,           DRAVIK_SMI_SETPCISPEED,
+    DRAVIK_SMI_SGPU_CREATE,           DRAVIK_SMI_SGPU_REMOVE,           DRAVIK_SMI_SGPU_SCHED_TIMESLICE,
+    DRAVIK_SMI_SGPU_SCHED_CLASS,      DRAVIK_SMI_SGPU_SLICE_VRAM_QUOTA, DRAVIK_SMI_SGPU_SLICE_SCHED_QUOTA,
+    DRAVIK_SMI_SGPU_SLICE_ONLINE,
+};
+
+const std::array<DkRequestPlace, c_driverInterfaceSlots>& PlaceTable() {
+    static const std::array<DkRequestPlace, c_driverInterfaceSlots> table = [] {
+        std::array<DkRequestPlace, c_driverInterfaceSlots> t{};
+        for (const DkInterfaceEntry& e : c_namedRequests) t[e.op] = e.place;
+        return t;
+    }();
+    return table;
+}
+
 }  // namespace
+
+DkRequestPlace DkDriverInterfaceManager::GetRequestPlace(dravik_smi_opcode op) {
+    const auto& table = PlaceTable();
+    const uint32_t index = static_cast<uint32_t>(op);
+    return index < table.size() ? table[index] : DkRequestPlace::Smi;
+}
+
+bool DkDriverInterfaceManager::CreatesOnWrite(dravik_smi_opcode op) {
+    for (const dravik_smi_opcode created : c_createdOnWrite)
+        if (created == op) return true;
+    return false;
+}
 
 const std::map<dravik_smi_opcode, std::string> DkDriverInterfaceManager::m_driverInterfaceMap = BuildMap();
 

@@ -137,9 +137,10 @@ DkSmlReturn ReadFileText(const char* path, std::string& text) {
     return ReadOpenedFile(fd, text);
 }
 
-DkSmlReturn WriteFileTextAt(int dirFd, const char* name, std::string_view text) {
+DkSmlReturn WriteFileTextAt(int dirFd, const char* name, std::string_view text, bool create) {
     if (name == nullptr) return DK_SML_ERROR_SYSFS;
-    const int fd = ::openat(dirFd, name, O_WRONLY | O_TRUNC | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    const int fd = ::openat(dirFd, name, O_WRONLY | O_TRUNC | O_NONBLOCK | O_CLOEXEC | O_NOCTTY | (create ? O_CREAT : 0),
+                            0666);
     if (fd < 0) return OpenFailure(errno);
     // The value and its newline in one write: the driver parses each write on its own.
     char newline = '\n';

@@ -45,7 +45,9 @@ DkSmlReturn ReadFileTextAt(int dirFd, const char* name, std::string& text);
 // `text` + "\n" in one write to the existing file `name` relative to `dirFd`
 // (truncated first): DK_SML_ERROR_NOT_SUPPORTED absent, DK_SML_ERROR_SYSFS
 // unopenable, DK_SML_ERROR_SYSFS_WRITE refused by the driver.
-DkSmlReturn WriteFileTextAt(int dirFd, const char* name, std::string_view text);
+// With `create`, an absent file is created (mode 0666 less the umask) as
+// WriteSysfs does; a driver directory refuses that with DK_SML_ERROR_SYSFS.
+DkSmlReturn WriteFileTextAt(int dirFd, const char* name, std::string_view text, bool create = false);
 
 // Opens `path` with truncation (DK_SML_ERROR_SYSFS when it cannot), writes the
 // values separated by one blank and followed by "\n" in a single write,

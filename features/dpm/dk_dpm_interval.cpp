@@ -67,7 +67,14 @@ DkSmlReturn DkDpm::SetDieDpmInterval(IDkDevice* device, unsigned int dieId, DkSm
     const DkIntervalDomain* allowed = IntervalDomainOf(device->GetDeviceBrand());
     if (allowed == nullptr || device->IsVf()) return DK_SML_ERROR_NOT_SUPPORTED;
     if (ip != allowed->ip) return DK_SML_ERROR_INVALID_INPUT;
-    return WriteSysfs(device->GetSmiPath(dieId) + "dpminterval", DpmIpName(ip), interval);
+    std::string line(DpmIpName(ip));
+    line += ' ';
+    line += std::to_string(interval);
+    // The handler answers DK_SML_ERROR_NOT_SUPPORTED when the directory is
+    // absent; callers have always seen DK_SML_ERROR_SYSFS for a file that
+    // cannot be opened.
+    const DkSmlReturn result = device->SetDriverData(dieId, DRAVIK_SMI_DPMINTERVAL, line);
+    return result == DK_SML_ERROR_NOT_SUPPORTED ? DK_SML_ERROR_SYSFS : result;
 }
 
 }  // namespace dksml

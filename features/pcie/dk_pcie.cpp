@@ -4,7 +4,6 @@
 #include <string>
 #include <string_view>
 
-#include "core/dk_host_root.h"
 #include "core/idk_device.h"
 #include "driver/dk_opcode.h"
 #include "driver/dk_text.h"
@@ -13,11 +12,6 @@
 namespace dksml {
 namespace {
 
-constexpr const char* c_dmiTable = "/sys/firmware/dmi/tables/DMI";
-constexpr const char* c_maxLinkSpeedFile = "/max_link_speed";
-constexpr const char* c_maxLinkWidthFile = "/max_link_width";
-constexpr const char* c_setPciDelayFile = "setpcidelay";
-constexpr const char* c_setPciSpeedFile = "setpcispeed";
 constexpr std::string_view c_guestRole = "guest";
 constexpr uint32_t c_minPciDelay = 1;
 constexpr uint32_t c_maxPciDelay = 10000;
@@ -65,21 +59,35 @@ DkSmlReturn GetWidth(std::string_view text, uint32_t& width) {
     return ExtractNumber(line, width) ? DK_SML_SUCCESS : DK_SML_ERROR_SYSFS;
 }
 
-DkSmlReturn GetPcieMaxLinkSpeedWidth(const std::string& pciDir, DkSmlPcieInfo& info) {
-    if (ReadFileText(HostPath(pciDir + c_maxLinkSpeedFile), t_scratch) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
+// The maximum link of the function itself or of its upstream port.
+struct DkMaxLinkFiles {
+    dravik_smi_opcode speed;
+    dravik_smi_opcode width;
+};
+constexpr DkMaxLinkFiles c_ownLink = {DRAVIK_SMI_MAXLINKSPEED, DRAVIK_SMI_MAXLINKWIDTH};
+constexpr DkMaxLinkFiles c_upstreamLink = {DRAVIK_SMI_UPSTREAMMAXLINKSPEED, DRAVIK_SMI_UPSTREAMMAXLINKWIDTH};
+
+DkSmlReturn GetPcieMaxLinkSpeedWidth(IDkDevice& device, const DkMaxLinkFiles& files, DkSmlPcieInfo& info) {
+    if (device.FetchDriverData(0, files.speed, t_scratch) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
     DkSmlReturn result = GetSpeed(t_scratch, info.speed);
     if (result != DK_SML_SUCCESS) return result;
     if (info.speed == 0.0f) info.speed = c_unknownSlotSpeed;
-    if (ReadFileText(HostPath(pciDir + c_maxLinkWidthFile), t_scratch) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
+    if (device.FetchDriverData(0, files.width, t_scratch) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
     return GetWidth(t_scratch, info.width);
 }
 
-// The upstream port: the resolved PCI directory without its last component.
-std::string GetBridgePath(const IDkDevice& device) {
-    const std::string real = RealHostPath(device.GetDeviceDir());
-    const size_t slash = real.rfind('/');
-    if (real.empty() || slash == std::string::npos || slash == 0) return {};
-    return real.substr(0, slash);
+// The upstream port is the directory above the function's resolved one; the
+// handler answers DK_SML_ERROR_NOT_SUPPORTED only when there is none.
+bool HasUpstreamPort(IDkDevice& device) {
+    return device.FetchDriverData(0, DRAVIK_SMI_UPSTREAMPORT, t_scratch) != DK_SML_ERROR_NOT_SUPPORTED;
+}
+
+// Writes go through the handler, which answers DK_SML_ERROR_NOT_SUPPORTED when
+// the file's directory is absent; callers have always seen DK_SML_ERROR_SYSFS
+// for a file that cannot be opened for writing.
+DkSmlReturn WriteRequest(IDkDevice& device, unsigned int dieId, dravik_smi_opcode op, uint32_t value) {
+    const DkSmlReturn result = device.SetDriverData(dieId, op, std::to_string(value));
+    return result == DK_SML_ERROR_NOT_SUPPORTED ? DK_SML_ERROR_SYSFS : result;
 }
 
 bool IsVmGuest(IDkDevice& device) {
@@ -115,11 +123,10 @@ DkSmlReturn DkPcie::GetPcieMaxLinkInfo(IDkDevice* device, DkSmlPcieInfo* info) {
         *info = DkSmlPcieInfo{};
         return DK_SML_SUCCESS;
     }
-    const std::string bridge = GetBridgePath(*device);
-    if (bridge.empty()) return DK_SML_ERROR_PCI_BRIDGE;
+    if (!HasUpstreamPort(*device)) return DK_SML_ERROR_PCI_BRIDGE;
     DkSmlPcieInfo upstream{}, own{};
-    DkSmlReturn result = GetPcieMaxLinkSpeedWidth(bridge, upstream);
-    if (result == DK_SML_SUCCESS) result = GetPcieMaxLinkSpeedWidth(device->GetDeviceDir(), own);
+    DkSmlReturn result = GetPcieMaxLinkSpeedWidth(*device, c_upstreamLink, upstream);
+    if (result == DK_SML_SUCCESS) result = GetPcieMaxLinkSpeedWidth(*device, c_ownLink, own);
     if (result != DK_SML_SUCCESS) return result;
     info->speed = upstream.speed < own.speed ? upstream.speed : own.speed;
     info->width = upstream.width < own.width ? upstream.width : own.width;
@@ -153,7 +160,7 @@ DkSmlReturn DkPcie::GetPcieThroughput(IDkDevice* device, DkSmlPcieThroughput* th
 
 DkSmlReturn DkPcie::GetDeviceSlot(IDkDevice* device, uint32_t* slot) {
     if (device == nullptr || slot == nullptr) return DK_SML_ERROR_INVALID_INPUT;
-    if (ReadFileText(HostPath(c_dmiTable), t_scratch) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
+    if (device->FetchDriverData(0, DRAVIK_SMI_DMITABLE, t_scratch) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
     // Every function of a device sits in the slot of function 0.
     return FindDmiSlot(t_scratch, device->GetBdfIdUint() & ~7u, slot);
 }
@@ -172,7 +179,7 @@ DkSmlReturn DkPcie::SetPciDelay(IDkDevice* device, uint32_t delay) {
     if (device == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     if (const DkSmlReturn refused = CheckDelayPreconditions(*device)) return refused;
     if (delay < c_minPciDelay || delay > c_maxPciDelay) return DK_SML_ERROR_INVALID_INPUT;
-    return WriteSysfs(device->GetSmiPath(0) + c_setPciDelayFile, delay);
+    return WriteRequest(*device, 0, DRAVIK_SMI_SETPCIDELAY, delay);
 }
 
 DkSmlReturn DkPcie::SetPciSpeed(IDkDevice* device, DkSmlPciGen generation) {
@@ -182,7 +189,7 @@ DkSmlReturn DkPcie::SetPciSpeed(IDkDevice* device, DkSmlPciGen generation) {
     if (const DkSmlReturn result = GetPcieMaxLinkInfo(device, &maximum)) return result;
     const uint32_t requested = static_cast<uint32_t>(generation);
     if (requested == 0 || requested > GenerationOfSpeed(maximum.speed)) return DK_SML_ERROR_INVALID_INPUT;
-    return WriteSysfs(device->GetSmiPath(0) + c_setPciSpeedFile, requested);
+    return WriteRequest(*device, 0, DRAVIK_SMI_SETPCISPEED, requested);
 }
 
 }  // namespace dksml

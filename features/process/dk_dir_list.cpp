@@ -1,24 +1,8 @@
 #include "features/process/dk_dir_list.h"
 
 #include <cstdint>
-#include <cstdlib>
 
 namespace dksml {
-namespace {
-
-int SkipDots(const dirent* entry) {
-    const char* n = entry->d_name;
-    return !(n[0] == '.' && (n[1] == '\0' || (n[1] == '.' && n[2] == '\0')));
-}
-
-}  // namespace
-
-DkDirList::DkDirList(const std::string& path) { m_count = scandir(path.c_str(), &m_entries, SkipDots, versionsort); }
-
-DkDirList::~DkDirList() {
-    for (int i = 0; i < m_count; ++i) free(m_entries[i]);
-    free(m_entries);
-}
 
 bool ParseLeadingDecimal(std::string_view text, uint64_t limit, uint64_t& value) {
     uint64_t result = 0;

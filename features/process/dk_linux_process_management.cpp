@@ -9,7 +9,7 @@
 #include <memory>
 #include <vector>
 
-#include "core/dk_host_root.h"
+#include "core/dk_host_tree.h"
 #include "core/dk_sys_utils.h"
 #include "core/dk_system_manager.h"
 #include "driver/dk_text.h"
@@ -26,10 +26,12 @@ constexpr std::string_view c_deviceNode = "/dev/dkcd";
 constexpr uint32_t c_ringBufferKindIgnored = 1;  // "type" 1: not a compute ring
 constexpr const char* c_unknownName = "N/A";
 
+const IDkHostTree& Tree() { return CurrentHostTree(); }
+
 // First decimal number of a small file (leading blanks skipped).
 bool ReadDecimalFile(const std::string& path, uint64_t limit, uint64_t& value) {
     thread_local std::string text;
-    if (ReadFileText(path, text) != DK_SML_SUCCESS) return false;
+    if (Tree().ReadText(path, text) != DK_SML_SUCCESS) return false;
     std::string_view view(text);
     while (!view.empty() && (view.front() == ' ' || view.front() == '\t' || view.front() == '\n')) view.remove_prefix(1);
     return ParseLeadingDecimal(view, limit, value);
@@ -38,7 +40,7 @@ bool ReadDecimalFile(const std::string& path, uint64_t limit, uint64_t& value) {
 // First line of a file into a fixed name field (cut, not necessarily terminated).
 bool ReadNameFile(const std::string& path, char (&name)[DK_SML_PROCESS_NAME_LENGTH]) {
     thread_local std::string text;
-    if (ReadFileText(path, text) != DK_SML_SUCCESS) return false;
+    if (Tree().ReadText(path, text) != DK_SML_SUCCESS) return false;
     std::string_view line(text);
     line = line.substr(0, line.find('\n'));
     std::memset(name, 0, sizeof(name));
@@ -98,19 +100,19 @@ DkSmlReturn DkLinuxProcessManagement::GetProcessInfoImpl(DkSmlProcessInfo_v3* re
                                                          bool singleGpu) {
     if (count == nullptr || (records == nullptr && capacity != 0)) return DK_SML_ERROR_INVALID_INPUT;
     s_reportedPids.clear();
-    const std::string base = HostPath(m_driverProcessDir);
-    DkDirList clients(base);
-    if (!clients.Opened()) return DK_SML_ERROR_NOT_SUPPORTED;
+    const std::string& base = m_driverProcessDir;
+    thread_local std::vector<std::string> clients;
+    if (!Tree().List(base, DkListOrder::Version, clients)) return DK_SML_ERROR_NOT_SUPPORTED;
 
     for (uint32_t i = 0; i < capacity; ++i) ResetRecord(records[i]);
     *count = 0;
     thread_local DkSmlProcessInfo_v3 scratch;
     const bool allGpus = gpuFilter == DK_SML_ALL_GPUS;
     std::string dir;
-    for (std::size_t i = 0; i < clients.Size(); ++i) {
+    for (const std::string& client : clients) {
         uint32_t pid = 0;
-        if (!ParseDecimalName(clients.Name(i), pid)) continue;
-        dir.assign(base).append("/").append(clients.Name(i));
+        if (!ParseDecimalName(client, pid)) continue;
+        dir.assign(base).append("/").append(client);
         BeforeReadingProcess(dir);
         uint64_t nspid = 0;
         if (!ReadDecimalFile(dir + "/nspid", UINT32_MAX, nspid)) nspid = 0;
@@ -144,9 +146,10 @@ uint32_t DkLinuxProcessManagement::GetProcessGpuInfo(const std::string& processD
     // GPUs on which the process owns a compute ring buffer. An entry without a
     // readable "type" cannot be classified and is left out.
     const std::string ringDir = processDir + "/ringbuf";
-    DkDirList rings(ringDir);
-    for (std::size_t i = 0; i < rings.Size(); ++i) {
-        const std::string entry = ringDir + "/" + std::string(rings.Name(i));
+    thread_local std::vector<std::string> rings;
+    Tree().List(ringDir, DkListOrder::Version, rings);
+    for (const std::string& ring : rings) {
+        const std::string entry = ringDir + "/" + ring;
         uint64_t kind = 0, gpuId = 0;
         if (!ReadDecimalFile(entry + "/type", UINT32_MAX, kind) || kind == c_ringBufferKindIgnored) continue;
         if (ReadDecimalFile(entry + "/gpuid", UINT32_MAX, gpuId)) ringGpus.push_back(static_cast<uint32_t>(gpuId));
@@ -155,9 +158,10 @@ uint32_t DkLinuxProcessManagement::GetProcessGpuInfo(const std::string& processD
     DkSystemManager& manager = DkSystemManager::GetInstance();
     const auto& bdfs = manager.GetGpuBdfIdMap();
     const auto& slices = manager.GetSgpuIdMap();
-    DkDirList files(processDir);
-    for (std::size_t i = 0; i < files.Size(); ++i) {
-        const std::string_view name = files.Name(i);
+    thread_local std::vector<std::string> files;
+    Tree().List(processDir, DkListOrder::Version, files);
+    for (const std::string& file : files) {
+        const std::string_view name = file;
         if (name.find(c_vramPrefix) == std::string_view::npos || name.size() <= c_vramPrefix.size()) continue;
         uint64_t n = 0;
         if (!ParseLeadingDecimal(name.substr(c_vramPrefix.size()), UINT32_MAX, n)) continue;
@@ -201,24 +205,26 @@ uint32_t DkLinuxProcessManagement::GetProcessGpuInfo(const std::string& processD
 
 bool DkLinuxProcessManagement::HoldsDeviceNode(std::string_view pid) {
     const std::string fdDir = m_hostProcessDir + "/" + std::string(pid) + "/fd";
-    DkDirList fds(HostPath(fdDir));
-    for (std::size_t i = 0; i < fds.Size(); ++i) {
-        if (GetRealFile(fdDir + "/" + std::string(fds.Name(i))) == c_deviceNode) return true;
+    std::vector<std::string> fds;
+    Tree().List(fdDir, DkListOrder::Version, fds);
+    for (const std::string& fd : fds) {
+        if (GetRealFile(fdDir + "/" + fd) == c_deviceNode) return true;
     }
     return false;
 }
 
 void DkLinuxProcessManagement::GetProcessRefDkcd(DkSmlProcessInfo_v3* records, uint32_t capacity, uint32_t* count) {
-    DkDirList processes(HostPath(m_hostProcessDir));
-    for (std::size_t i = 0; i < processes.Size(); ++i) {
+    std::vector<std::string> processes;
+    Tree().List(m_hostProcessDir, DkListOrder::Version, processes);
+    for (const std::string& process : processes) {
         uint32_t pid = 0;
-        if (!ParseDecimalName(processes.Name(i), pid) || s_reportedPids.count(pid) != 0) continue;
-        if (!HoldsDeviceNode(processes.Name(i))) continue;
+        if (!ParseDecimalName(process, pid) || s_reportedPids.count(pid) != 0) continue;
+        if (!HoldsDeviceNode(process)) continue;
         if (records != nullptr && *count < capacity) {
             DkSmlProcessInfo_v3& record = records[*count];
             ResetRecord(record);
             record.pid = pid;
-            const std::string comm = HostPath(m_hostProcessDir + "/" + std::string(processes.Name(i)) + "/comm");
+            const std::string comm = m_hostProcessDir + "/" + process + "/comm";
             if (!ReadNameFile(comm, record.processName))
                 std::memcpy(record.processName, c_unknownName, std::strlen(c_unknownName));
         }
@@ -231,12 +237,12 @@ DkSmlReturn DkLinuxProcessManagement::KillAllProcess() {
     DkSysUtils* sys = DkSystemManager::GetInstance().GetSysUtils();
     if (sys == nullptr) sys = &fallback;
     if (sys->GetUid() != 0) return DK_SML_ERROR_PERMISSION;
-    DkDirList processes(HostPath(m_hostProcessDir));
-    if (!processes.Opened()) return DK_SML_ERROR_SYSFS;
+    std::vector<std::string> processes;
+    if (!Tree().List(m_hostProcessDir, DkListOrder::Version, processes)) return DK_SML_ERROR_SYSFS;
     std::vector<pid_t> holders;
-    for (std::size_t i = 0; i < processes.Size(); ++i) {
+    for (const std::string& process : processes) {
         uint32_t pid = 0;
-        if (ParseDecimalName(processes.Name(i), pid) && pid <= INT_MAX && HoldsDeviceNode(processes.Name(i)))
+        if (ParseDecimalName(process, pid) && pid <= INT_MAX && HoldsDeviceNode(process))
             holders.push_back(static_cast<pid_t>(pid));
     }
     DkSmlReturn result = DK_SML_SUCCESS;
@@ -250,13 +256,6 @@ DkSmlReturn DkLinuxProcessManagement::KillAllProcess() {
 // Under a host root a descriptor link may name the device node absolutely
 // ("/dev/dkcd", as the kernel shows it); that name is resolved inside the
 // root, never on the machine running the library.
-std::string DkLinuxProcessManagement::GetRealFile(const std::string& path) {
-    if (IsSimulatedHost()) {
-        char target[PATH_MAX];
-        const ssize_t length = readlink(HostPath(path).c_str(), target, sizeof(target) - 1);
-        if (length > 0 && target[0] == '/') return RealHostPath(std::string_view(target, static_cast<std::size_t>(length)));
-    }
-    return RealHostPath(path);
-}
+std::string DkLinuxProcessManagement::GetRealFile(const std::string& path) { return Tree().ResolveLink(path); }
 
 }  // namespace dksml

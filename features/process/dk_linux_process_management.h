@@ -33,8 +33,8 @@ public:
     uint64_t GetMemoryThreshold() const { return m_memoryThreshold; }
 
 protected:
-    // Called with the filesystem path of each client directory after the
-    // listing and before it is read; tests use it to make a process vanish.
+    // Called with the host path of each client directory after the listing
+    // and before it is read; tests use it to make a process vanish.
     virtual void BeforeReadingProcess(const std::string& /*processDir*/) {}
 
 private:

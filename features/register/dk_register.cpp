@@ -1,11 +1,7 @@
 #include "features/register/dk_register.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <string>
 
-#include "core/dk_host_root.h"
 #include "core/dk_system_manager.h"
 #include "core/idk_device.h"
 #include "driver/dk_text.h"
@@ -34,20 +30,9 @@ constexpr uint32_t c_firstVirtualIndex = 100;
 constexpr unsigned long c_ethStatusRegister = 0x7800200;
 constexpr unsigned int c_ethStatusShift = 16;
 
-std::string DebugDir() { return GetEnv("ROOT_PATH_REG_DUMP", "", HostPath("/sys/kernel/debug/dkcd")); }
-
 uint32_t SystemGpuId(uint32_t deviceIndex) {
     DkSystemManager& manager = DkSystemManager::GetInstance();
     return manager.GetGpuIdByBdfId(manager.GetBdfIdByDeviceId(deviceIndex));
-}
-
-// One write of the whole line; the driver takes the selection from it.
-bool WriteSelection(const std::string& path, const std::string& line) {
-    const int fd = ::open(path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
-    if (fd < 0) return false;
-    const ssize_t written = ::write(fd, line.data(), line.size());
-    const bool closed = ::close(fd) == 0;
-    return written == static_cast<ssize_t>(line.size()) && closed;
 }
 
 }  // namespace
@@ -60,14 +45,16 @@ bool IsXrbmAddress(unsigned long address) {
 
 DkRegister::DkRegister() : DkRegister(SystemGpuId) {}
 
-DkRegister::DkRegister(GpuIdLookup lookup)
-    : m_lookup(std::move(lookup)), m_regDumpPath(DebugDir() + "/reg_dump") {}
+DkRegister::DkRegister(GpuIdLookup lookup) : m_lookup(std::move(lookup)) {}
 
-DkSmlReturn DkRegister::SelectGpuId(uint32_t deviceIndex, unsigned int dieId) {
+// One write of the whole line through the device's handler; the driver takes
+// the selection from it. Any failure means the debug file refused us.
+DkSmlReturn DkRegister::SelectGpuId(IDkDevice& device, unsigned int dieId) {
+    const uint32_t deviceIndex = device.GetDeviceId();
     if (deviceIndex >= c_firstVirtualIndex) return DK_SML_ERROR_NOT_SUPPORTED;
     const uint32_t gpuId = m_lookup ? m_lookup(deviceIndex) : 0;
     const unsigned long selection = (static_cast<unsigned long>(dieId) << 16) | gpuId;
-    if (!WriteSelection(DebugDir() + "/select_gpu_id", std::to_string(selection) + "\n"))
+    if (device.SetDriverData(dieId, DRAVIK_SMI_SELECTGPUID, std::to_string(selection)) != DK_SML_SUCCESS)
         return DK_SML_ERROR_PERMISSION;
     return DK_SML_SUCCESS;
 }
@@ -80,7 +67,7 @@ DkSmlReturn DkRegister::GetRegisterData(IDkDevice* device, unsigned long address
 DkSmlReturn DkRegister::GetDieRegisterData(IDkDevice* device, unsigned int dieId, unsigned long address,
                                            unsigned int* values, uint32_t* count) {
     if (device == nullptr || values == nullptr || count == nullptr) return DK_SML_ERROR_INVALID_INPUT;
-    const DkSmlReturn selected = SelectGpuId(device->GetDeviceId(), dieId);
+    const DkSmlReturn selected = SelectGpuId(*device, dieId);
     if (selected != DK_SML_SUCCESS) return selected;
     if (!IsXrbmAddress(address)) {
         if (*count == 0) {
@@ -141,7 +128,7 @@ DkSmlReturn DkRegister::GetSerialRegisterData(IDkDevice* device, unsigned long a
 DkSmlReturn DkRegister::GetDieSerialRegisterData(IDkDevice* device, unsigned int dieId, unsigned long address,
                                                  unsigned int* values, uint32_t count) {
     if (device == nullptr || (values == nullptr && count != 0)) return DK_SML_ERROR_INVALID_INPUT;
-    const DkSmlReturn selected = SelectGpuId(device->GetDeviceId(), dieId);
+    const DkSmlReturn selected = SelectGpuId(*device, dieId);
     if (selected != DK_SML_SUCCESS) return selected;
     if (IsXrbmAddress(address)) return DK_SML_ERROR_NOT_SUPPORTED;
     for (uint32_t i = 0; i < count; ++i) {
@@ -160,7 +147,7 @@ DkSmlReturn DkRegister::SetRegisterData(IDkDevice* device, unsigned long address
 DkSmlReturn DkRegister::SetDieRegisterData(IDkDevice* device, unsigned int dieId, unsigned long address,
                                            unsigned int value) {
     if (device == nullptr) return DK_SML_ERROR_INVALID_INPUT;
-    const DkSmlReturn selected = SelectGpuId(device->GetDeviceId(), dieId);
+    const DkSmlReturn selected = SelectGpuId(*device, dieId);
     if (selected != DK_SML_SUCCESS) return selected;
     if (!IsXrbmAddress(address)) return device->SetRegisterData(dieId, address, value);
     DkSmlReturn result = LockXrbm(*device, dieId);

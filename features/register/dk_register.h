@@ -43,17 +43,14 @@ public:
                                            unsigned int value);
     virtual DkSmlReturn GetDeviceEthStatus(IDkDevice* device, uint32_t* status);
 
-    const std::string& RegisterDumpPath() const { return m_regDumpPath; }
-
     // Points the driver's register access at one GPU and die.
-    DkSmlReturn SelectGpuId(uint32_t deviceIndex, unsigned int dieId);
+    DkSmlReturn SelectGpuId(IDkDevice& device, unsigned int dieId);
 
 private:
     DkSmlReturn LockXrbm(IDkDevice& device, unsigned int dieId);
     DkSmlReturn ReadXrbmBlock(IDkDevice& device, unsigned int dieId, unsigned long address, unsigned int* values);
 
     GpuIdLookup m_lookup;
-    std::string m_regDumpPath;  // the register-dump file the device reads through
 };
 
 }  // namespace dksml

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "core/dk_file_text.h"
 #include "core/dk_host_root.h"
-#include "core/dk_system_manager.h"
 #include "core/idk_device.h"
 #include "driver/dk_text.h"
 #include "features/process/dk_dir_list.h"
@@ -16,28 +16,55 @@
 namespace dksml {
 namespace {
 
-std::string DeviceFile(IDkDevice* device, std::string_view file) {
+// A slice's alias file. The alias is the whole file, written verbatim; the
+// handler's writes always end in a newline, so this one write keeps its own path.
+std::string SliceAliasFile(IDkDevice* device, uint32_t sgpuId) {
     std::string path = HostPath(device->GetDeviceDir());
-    path.append(file);
+    path.append(c_sgpuDir).append("/").append(c_sgpuSlicePrefix).append(std::to_string(sgpuId)).append("/alias");
     return path;
 }
 
-std::string SliceDir(IDkDevice* device, uint32_t sgpuId) {
-    return DeviceFile(device, c_sgpuDir) + "/" + std::string(c_sgpuSlicePrefix) + std::to_string(sgpuId);
-}
+thread_local std::string t_text;
 
-std::string SliceFile(IDkDevice* device, uint32_t sgpuId, std::string_view file) {
-    return SliceDir(device, sgpuId) + "/" + std::string(file);
-}
-
-std::string LayoutNodeFile(uint32_t nodeId, std::string_view file) {
-    return HostPath(DkSystemManager::GetInstance().GetLayoutPath()) + std::to_string(nodeId) + "/" +
-           std::string(file);
+// A whole-number file, as the driver writes it: any failure to read it is
+// DK_SML_ERROR_SYSFS, an absent file included.
+template <typename T>
+DkSmlReturn ParseNumber(DkSmlReturn fetched, T& value) {
+    if (fetched != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
+    DkTextLines lines(t_text);
+    return ReadSysfs(lines, ExtractRawValueStr, value);
 }
 
 template <typename T>
-DkSmlReturn ReadNumber(const std::string& path, T& value) {
-    return ReadSysfs(path, ExtractRawValueStr, value);
+DkSmlReturn ReadNumber(IDkDevice* device, dravik_smi_opcode op, T& value) {
+    return ParseNumber(device->FetchDriverData(0, op, t_text), value);
+}
+
+template <typename T>
+DkSmlReturn ReadSliceNumber(IDkDevice* device, uint32_t sgpuId, dravik_smi_opcode op, T& value) {
+    return ParseNumber(device->FetchIndexedDriverData(sgpuId, op, t_text), value);
+}
+
+// Reads a slice file; DK_SML_ERROR_SYSFS for any failure.
+DkSmlReturn ReadSliceText(IDkDevice* device, uint32_t sgpuId, dravik_smi_opcode op) {
+    return device->FetchIndexedDriverData(sgpuId, op, t_text) == DK_SML_SUCCESS ? DK_SML_SUCCESS : DK_SML_ERROR_SYSFS;
+}
+
+// The handler answers DK_SML_ERROR_NOT_SUPPORTED exactly when the slice's
+// directory is absent (a directory is never readable as text).
+bool SliceExists(IDkDevice* device, uint32_t sgpuId) {
+    return device->FetchIndexedDriverData(sgpuId, DRAVIK_SMI_SGPU_SLICE, t_text) != DK_SML_ERROR_NOT_SUPPORTED;
+}
+
+// Writes answer DK_SML_ERROR_SYSFS for a file that cannot be opened, its
+// directory absent or not (the handler answers DK_SML_ERROR_NOT_SUPPORTED then).
+DkSmlReturn WriteFailureAsSysfs(DkSmlReturn result) {
+    return result == DK_SML_ERROR_NOT_SUPPORTED ? DK_SML_ERROR_SYSFS : result;
+}
+
+template <typename T>
+std::string Decimal(T value) {
+    return std::to_string(static_cast<std::conditional_t<std::is_enum_v<T>, int, T>>(value));
 }
 
 // Copies `text` under the text rule: DK_SML_SUCCESS and
@@ -62,21 +89,19 @@ bool ParseSliceDirName(std::string_view name, uint32_t& id) {
 
 DkSmlReturn DkSliceGpu::ShowSgpuToggle(IDkDevice* device, uint32_t* on) {
     if (device == nullptr || on == nullptr) return DK_SML_ERROR_INVALID_INPUT;
-    const std::string path = DeviceFile(device, c_sgpuModeFile);
-    if (device->IsVf() || !CheckIfFileExist(path)) return DK_SML_ERROR_NOT_SUPPORTED;
-    thread_local std::string text;
-    const DkSmlReturn result = ReadFileText(path, text);
+    if (device->IsVf()) return DK_SML_ERROR_NOT_SUPPORTED;
+    const DkSmlReturn result = device->FetchDriverData(0, DRAVIK_SMI_SGPU_MODE, t_text);
     if (result != DK_SML_SUCCESS) return result;
     // The driver ends the word with a newline; the word itself must match.
-    *on = TrimView(text, " \t\n") == c_sgpuModeOn ? 1 : 0;
+    *on = TrimView(t_text, " \t\n") == c_sgpuModeOn ? 1 : 0;
     return DK_SML_SUCCESS;
 }
 
 DkSmlReturn DkSliceGpu::SetSgpuToggle(IDkDevice* device, uint32_t on) {
     if (device == nullptr) return DK_SML_ERROR_INVALID_INPUT;
-    const std::string path = DeviceFile(device, c_sgpuModeFile);
-    if (device->IsVf() || !CheckIfFileExist(path)) return DK_SML_ERROR_NOT_SUPPORTED;
-    return WriteSysfs(path, on != 0 ? c_sgpuModeOn : c_sgpuModeOff);
+    if (device->IsVf()) return DK_SML_ERROR_NOT_SUPPORTED;
+    // An absent mode file is DK_SML_ERROR_NOT_SUPPORTED, as the handler answers.
+    return device->SetDriverData(0, DRAVIK_SMI_SGPU_MODE, std::string(on != 0 ? c_sgpuModeOn : c_sgpuModeOff));
 }
 
 DkSmlReturn DkSliceGpu::CheckSgpuMode(IDkDevice* device) {
@@ -88,10 +113,11 @@ DkSmlReturn DkSliceGpu::CheckSgpuMode(IDkDevice* device) {
 
 uint32_t DkSliceGpu::GetExpectedSgpuId(IDkDevice* device) {
     bool taken[c_sgpuMaxSlices + 1] = {};
-    DkDirList entries(DeviceFile(device, c_sgpuDir));
-    for (std::size_t i = 0; i < entries.Size(); ++i) {
+    thread_local std::vector<std::string> entries;
+    if (device->ListDriverData(0, DRAVIK_SMI_SGPU_DIR, entries) != DK_SML_SUCCESS) entries.clear();
+    for (const std::string& entry : entries) {
         uint32_t id = 0;
-        if (ParseSliceDirName(entries.Name(i), id) && id <= c_sgpuMaxSlices) taken[id] = true;
+        if (ParseSliceDirName(entry, id) && id <= c_sgpuMaxSlices) taken[id] = true;
     }
     uint32_t id = 0;
     while (id <= c_sgpuMaxSlices && taken[id]) ++id;
@@ -105,7 +131,7 @@ DkSmlReturn DkSliceGpu::CreateSgpu(IDkDevice* device, uint32_t vramQuota, uint32
     // The driver names the new slice after the lowest free id; take it before
     // the slice exists so that a failure can undo exactly this slice.
     const uint32_t expected = GetExpectedSgpuId(device);
-    result = WriteSysfs(DeviceFile(device, c_sgpuCreateFile), vramQuota);
+    result = WriteFailureAsSysfs(device->SetDriverData(0, DRAVIK_SMI_SGPU_CREATE, Decimal(vramQuota)));
     if (result != DK_SML_SUCCESS) return result;
     AfterCreateWritten(device, expected);
     result = SetSgpuComputeQuota(device, expected, computeQuota);
@@ -117,41 +143,47 @@ DkSmlReturn DkSliceGpu::CreateSgpu(IDkDevice* device, uint32_t vramQuota, uint32
     return DK_SML_SUCCESS;
 }
 
-DkSmlReturn DkSliceGpu::WriteChecked(IDkDevice* device, const std::string& path, uint32_t value) {
+DkSmlReturn DkSliceGpu::WriteChecked(IDkDevice* device, dravik_smi_opcode op, uint32_t value) {
     const DkSmlReturn result = CheckSgpuMode(device);
     if (result != DK_SML_SUCCESS) return result;
-    return WriteSysfs(path, value);
+    return WriteFailureAsSysfs(device->SetDriverData(0, op, Decimal(value)));
+}
+
+DkSmlReturn DkSliceGpu::WriteSliceChecked(IDkDevice* device, uint32_t sgpuId, dravik_smi_opcode op, uint32_t value) {
+    const DkSmlReturn result = CheckSgpuMode(device);
+    if (result != DK_SML_SUCCESS) return result;
+    return WriteFailureAsSysfs(device->SetIndexedDriverData(sgpuId, op, Decimal(value)));
 }
 
 DkSmlReturn DkSliceGpu::RemoveSgpu(IDkDevice* device, uint32_t sgpuId) {
     if (device == nullptr) return DK_SML_ERROR_INVALID_INPUT;
-    return WriteChecked(device, DeviceFile(device, c_sgpuRemoveFile), sgpuId);
+    return WriteChecked(device, DRAVIK_SMI_SGPU_REMOVE, sgpuId);
 }
 
 DkSmlReturn DkSliceGpu::SetSgpuVramQuota(IDkDevice* device, uint32_t sgpuId, uint32_t quota) {
     if (device == nullptr) return DK_SML_ERROR_INVALID_INPUT;
-    return WriteChecked(device, SliceFile(device, sgpuId, "vram_quota"), quota);
+    return WriteSliceChecked(device, sgpuId, DRAVIK_SMI_SGPU_SLICE_VRAM_QUOTA, quota);
 }
 
 DkSmlReturn DkSliceGpu::SetSgpuComputeQuota(IDkDevice* device, uint32_t sgpuId, uint32_t quota) {
     if (device == nullptr) return DK_SML_ERROR_INVALID_INPUT;
-    return WriteChecked(device, SliceFile(device, sgpuId, "sched_quota"), quota);
+    return WriteSliceChecked(device, sgpuId, DRAVIK_SMI_SGPU_SLICE_SCHED_QUOTA, quota);
 }
 
 // The driver takes a slice's queue priority through its "online" file.
 DkSmlReturn DkSliceGpu::SetSgpuDeviceQueuePriority(IDkDevice* device, uint32_t sgpuId, uint32_t priority) {
     if (device == nullptr) return DK_SML_ERROR_INVALID_INPUT;
-    return WriteChecked(device, SliceFile(device, sgpuId, "online"), priority);
+    return WriteSliceChecked(device, sgpuId, DRAVIK_SMI_SGPU_SLICE_ONLINE, priority);
 }
 
 DkSmlReturn DkSliceGpu::SetTimeslice(IDkDevice* device, uint32_t timeslice) {
     if (device == nullptr) return DK_SML_ERROR_INVALID_INPUT;
-    return WriteChecked(device, DeviceFile(device, c_sgpuTimesliceFile), timeslice);
+    return WriteChecked(device, DRAVIK_SMI_SGPU_SCHED_TIMESLICE, timeslice);
 }
 
 DkSmlReturn DkSliceGpu::SetSchedClass(IDkDevice* device, DkSmlSchedClass schedClass) {
     if (device == nullptr) return DK_SML_ERROR_INVALID_INPUT;
-    return WriteChecked(device, DeviceFile(device, c_sgpuSchedClassFile), schedClass);
+    return WriteChecked(device, DRAVIK_SMI_SGPU_SCHED_CLASS, static_cast<uint32_t>(schedClass));
 }
 
 DkSmlReturn DkSliceGpu::GetAvailableQuota(IDkDevice* device, DkSmlSgpuAvailableQuota* quota) {
@@ -159,10 +191,10 @@ DkSmlReturn DkSliceGpu::GetAvailableQuota(IDkDevice* device, DkSmlSgpuAvailableQ
     DkSmlReturn result = CheckSgpuMode(device);
     if (result != DK_SML_SUCCESS) return result;
     DkSmlSgpuAvailableQuota read{};
-    result = ReadNumber(DeviceFile(device, c_sgpuAvailableVramFile), read.availableVramQuota);
+    result = ReadNumber(device, DRAVIK_SMI_SGPU_AVAILABLE_VRAM_QUOTA, read.availableVramQuota);
     if (result != DK_SML_SUCCESS) return result;
-    if (ReadNumber(DeviceFile(device, c_sgpuAvailableSchedFile), read.availableComputeQuota) != DK_SML_SUCCESS ||
-        ReadNumber(DeviceFile(device, c_sgpuTotalVramFile), read.totalVramQuota) != DK_SML_SUCCESS)
+    if (ReadNumber(device, DRAVIK_SMI_SGPU_AVAILABLE_SCHED_QUOTA, read.availableComputeQuota) != DK_SML_SUCCESS ||
+        ReadNumber(device, DRAVIK_SMI_SGPU_TOTAL_VRAM_QUOTA, read.totalVramQuota) != DK_SML_SUCCESS)
         return DK_SML_ERROR_FAILURE;
     *quota = read;
     return DK_SML_SUCCESS;
@@ -171,15 +203,15 @@ DkSmlReturn DkSliceGpu::GetAvailableQuota(IDkDevice* device, DkSmlSgpuAvailableQ
 uint32_t DkSliceGpu::GetSgpuCount(IDkDevice* device) {
     if (device == nullptr || CheckSgpuMode(device) != DK_SML_SUCCESS) return 0;
     uint32_t available = 0;
-    if (ReadNumber(DeviceFile(device, c_sgpuAvailableCountFile), available) != DK_SML_SUCCESS) return 0;
+    if (ReadNumber(device, DRAVIK_SMI_SGPU_AVAILABLE_DEVCNT, available) != DK_SML_SUCCESS) return 0;
     const uint32_t sought = available < c_sgpuMaxSlices ? c_sgpuMaxSlices - available : 0;
     uint32_t found = 0, count = 0;
     for (uint32_t id = 0; id < c_sgpuMaxSlices && found < sought; ++id) {
-        const std::string gpuIdFile = SliceFile(device, id, "gpu_id");
-        if (!CheckIfFileExist(gpuIdFile)) continue;
+        const DkSmlReturn fetched = device->FetchIndexedDriverData(id, DRAVIK_SMI_SGPU_SLICE_GPU_ID, t_text);
+        if (fetched == DK_SML_ERROR_NOT_SUPPORTED) continue;  // no such slice
         ++found;
         uint32_t gpuId = 0;
-        if (ReadNumber(gpuIdFile, gpuId) == DK_SML_SUCCESS) ++count;
+        if (ParseNumber(fetched, gpuId) == DK_SML_SUCCESS) ++count;
     }
     return count;
 }
@@ -188,7 +220,7 @@ DkSmlReturn DkSliceGpu::GetSgpuGpuId(IDkDevice* device, uint32_t sgpuId, uint32_
     if (device == nullptr || gpuId == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     const DkSmlReturn result = CheckSgpuMode(device);
     if (result != DK_SML_SUCCESS) return result;
-    return ReadNumber(SliceFile(device, sgpuId, "gpu_id"), *gpuId);
+    return ReadSliceNumber(device, sgpuId, DRAVIK_SMI_SGPU_SLICE_GPU_ID, *gpuId);
 }
 
 DkSmlReturn DkSliceGpu::GetSgpuInfo(IDkDevice* device, uint32_t sgpuId, DkSmlSgpuInfo* info) {
@@ -198,17 +230,20 @@ DkSmlReturn DkSliceGpu::GetSgpuInfo(IDkDevice* device, uint32_t sgpuId, DkSmlSgp
     DkSmlSgpuInfo read{};
     read.sgpuId = sgpuId;
     const struct {
-        const char* file;
+        dravik_smi_opcode file;
         uint32_t* value;
-    } fields[] = {{"node_id", &read.nodeId},       {"vram_quota", &read.vramQuota}, {"sched_quota", &read.computeQuota},
-                  {"sched_priority", &read.schedPriority}, {"minor", &read.minor},  {"online", &read.online}};
+    } fields[] = {{DRAVIK_SMI_SGPU_SLICE_NODE_ID, &read.nodeId},
+                  {DRAVIK_SMI_SGPU_SLICE_VRAM_QUOTA, &read.vramQuota},
+                  {DRAVIK_SMI_SGPU_SLICE_SCHED_QUOTA, &read.computeQuota},
+                  {DRAVIK_SMI_SGPU_SLICE_SCHED_PRIORITY, &read.schedPriority},
+                  {DRAVIK_SMI_SGPU_SLICE_MINOR, &read.minor},
+                  {DRAVIK_SMI_SGPU_SLICE_ONLINE, &read.online}};
     for (const auto& field : fields) {
-        result = ReadNumber(SliceFile(device, sgpuId, field.file), *field.value);
+        result = ReadSliceNumber(device, sgpuId, field.file, *field.value);
         if (result != DK_SML_SUCCESS) return result;
     }
-    thread_local std::string text;
-    if (ReadFileText(LayoutNodeFile(read.nodeId, "unique_id"), text) == DK_SML_SUCCESS) {
-        std::string_view line(text);
+    if (device->FetchIndexedDriverData(read.nodeId, DRAVIK_SMI_LAYOUT_NODE_UNIQUE_ID, t_text) == DK_SML_SUCCESS) {
+        std::string_view line(t_text);
         line = TrimView(line.substr(0, line.find('\n')), " \t\r");
         if (!line.empty()) {
             std::string uuid = "GPU-";
@@ -225,9 +260,9 @@ DkSmlReturn DkSliceGpu::GetSgpuState(IDkDevice* device, uint32_t sgpuId, int32_t
     DkSmlReturn result = CheckSgpuMode(device);
     if (result != DK_SML_SUCCESS) return result;
     uint32_t nodeId = 0;
-    result = ReadNumber(SliceFile(device, sgpuId, "node_id"), nodeId);
+    result = ReadSliceNumber(device, sgpuId, DRAVIK_SMI_SGPU_SLICE_NODE_ID, nodeId);
     if (result != DK_SML_SUCCESS) return result;
-    return ReadNumber(LayoutNodeFile(nodeId, "active"), *state);
+    return ParseNumber(device->FetchIndexedDriverData(nodeId, DRAVIK_SMI_LAYOUT_NODE_ACTIVE, t_text), *state);
 }
 
 // A slice that does not exist has nothing to report
@@ -236,20 +271,19 @@ DkSmlReturn DkSliceGpu::GetSgpuUtilization(IDkDevice* device, uint32_t sgpuId, i
     if (device == nullptr || usage == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     const DkSmlReturn result = CheckSgpuMode(device);
     if (result != DK_SML_SUCCESS) return result;
-    if (!DirectoryOpens(SliceDir(device, sgpuId))) return DK_SML_ERROR_NOT_SUPPORTED;
-    return ReadNumber(SliceFile(device, sgpuId, "utilization"), *usage);
+    if (!SliceExists(device, sgpuId)) return DK_SML_ERROR_NOT_SUPPORTED;
+    return ReadSliceNumber(device, sgpuId, DRAVIK_SMI_SGPU_SLICE_UTILIZATION, *usage);
 }
 
 DkSmlReturn DkSliceGpu::GetSgpuMemory(IDkDevice* device, uint32_t sgpuId, DkSmlSgpuMemoryInfo* memory) {
     if (device == nullptr || memory == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     DkSmlReturn result = CheckSgpuMode(device);
     if (result != DK_SML_SUCCESS) return result;
-    if (!DirectoryOpens(SliceDir(device, sgpuId))) return DK_SML_ERROR_NOT_SUPPORTED;
-    thread_local std::string text;
-    result = ReadFileText(SliceFile(device, sgpuId, "meminfo"), text);
+    if (!SliceExists(device, sgpuId)) return DK_SML_ERROR_NOT_SUPPORTED;
+    result = ReadSliceText(device, sgpuId, DRAVIK_SMI_SGPU_SLICE_MEMINFO);
     if (result != DK_SML_SUCCESS) return result;
     DkSmlSgpuMemoryInfo read{};
-    std::string_view rest(text);
+    std::string_view rest(t_text);
     for (uint64_t& value : read.values) {
         rest = TrimView(rest, " \t\n");
         const std::size_t end = std::min(rest.find_first_of(" \t\n"), rest.size());
@@ -264,24 +298,23 @@ DkSmlReturn DkSliceGpu::GetTimeslice(IDkDevice* device, uint32_t* timeslice) {
     if (device == nullptr || timeslice == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     const DkSmlReturn result = CheckSgpuMode(device);
     if (result != DK_SML_SUCCESS) return result;
-    return ReadNumber(DeviceFile(device, c_sgpuTimesliceFile), *timeslice);
+    return ReadNumber(device, DRAVIK_SMI_SGPU_SCHED_TIMESLICE, *timeslice);
 }
 
 DkSmlReturn DkSliceGpu::GetSchedClass(IDkDevice* device, DkSmlSchedClass* schedClass) {
     if (device == nullptr || schedClass == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     const DkSmlReturn result = CheckSgpuMode(device);
     if (result != DK_SML_SUCCESS) return result;
-    return ReadNumber(DeviceFile(device, c_sgpuSchedClassFile), *schedClass);
+    return ReadNumber(device, DRAVIK_SMI_SGPU_SCHED_CLASS, *schedClass);
 }
 
 DkSmlReturn DkSliceGpu::GetSgpuAlias(IDkDevice* device, uint32_t sgpuId, char* alias, uint32_t* size) {
     if (device == nullptr || alias == nullptr || size == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     DkSmlReturn result = CheckSgpuMode(device);
     if (result != DK_SML_SUCCESS) return result;
-    thread_local std::string text;
-    result = ReadFileText(SliceFile(device, sgpuId, "alias"), text);
+    result = ReadSliceText(device, sgpuId, DRAVIK_SMI_SGPU_SLICE_ALIAS);
     if (result != DK_SML_SUCCESS) return result;
-    return CopyText(text, alias, size);
+    return CopyText(t_text, alias, size);
 }
 
 // The alias is the whole file: written as given, without a newline.
@@ -289,7 +322,7 @@ DkSmlReturn DkSliceGpu::SetSgpuAlias(IDkDevice* device, uint32_t sgpuId, const c
     if (device == nullptr || alias == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     const DkSmlReturn result = CheckSgpuMode(device);
     if (result != DK_SML_SUCCESS) return result;
-    return detail::WriteWholeFile(SliceFile(device, sgpuId, "alias"), alias);
+    return detail::WriteWholeFile(SliceAliasFile(device, sgpuId), alias);
 }
 
 // The id is the text after the first "id=" of the first line that has one,
@@ -299,9 +332,8 @@ DkSmlReturn DkSliceGpu::GetAnnotationsId(IDkDevice* device, uint32_t sgpuId, cha
     if (*size > 0) id[0] = '\0';
     DkSmlReturn result = CheckSgpuMode(device);
     if (result != DK_SML_SUCCESS) return result;
-    thread_local std::string text;
-    if (ReadFileText(SliceFile(device, sgpuId, "annotations"), text) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
-    DkTextLines lines(text);
+    if (ReadSliceText(device, sgpuId, DRAVIK_SMI_SGPU_SLICE_ANNOTATIONS) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
+    DkTextLines lines(t_text);
     std::string_view line;
     while (lines.Next(line)) {
         const std::size_t at = line.find("id=");
@@ -324,12 +356,11 @@ DkSmlReturn DkSliceGpu::GetSchedulingLatency(IDkDevice* device, uint32_t sgpuId,
     if (device == nullptr || values == nullptr || count == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     const DkSmlReturn result = CheckSgpuMode(device);
     if (result != DK_SML_SUCCESS) return result;
-    if (!DirectoryOpens(SliceDir(device, sgpuId))) return DK_SML_ERROR_NOT_SUPPORTED;
-    thread_local std::string text;
-    if (ReadFileText(SliceFile(device, sgpuId, "overrun"), text) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
+    if (!SliceExists(device, sgpuId)) return DK_SML_ERROR_NOT_SUPPORTED;
+    if (ReadSliceText(device, sgpuId, DRAVIK_SMI_SGPU_SLICE_OVERRUN) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
     const uint32_t capacity = *count;
     uint32_t stored = 0;
-    DkTextLines lines(text);
+    DkTextLines lines(t_text);
     std::string_view line;
     while (lines.Next(line)) {
         if (stored == capacity) {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "dksml.h"
+#include "driver/dk_opcode.h"
 
 namespace dksml {
 
@@ -54,7 +55,9 @@ private:
     // DK_SML_SUCCESS in slice mode, DK_SML_ERROR_NOT_SUPPORTED in native mode,
     // the read failure otherwise.
     DkSmlReturn CheckSgpuMode(IDkDevice* device);
-    DkSmlReturn WriteChecked(IDkDevice* device, const std::string& path, uint32_t value);
+    // Writes one decimal to a request once the device is in slice mode.
+    DkSmlReturn WriteChecked(IDkDevice* device, dravik_smi_opcode op, uint32_t value);
+    DkSmlReturn WriteSliceChecked(IDkDevice* device, uint32_t sgpuId, dravik_smi_opcode op, uint32_t value);
 };
 
 }  // namespace dksml

@@ -1,14 +1,10 @@
 #include "features/topology/dk_node_links.h"
 
-#include <dirent.h>
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cstdio>
 #include <string>
 #include <string_view>
 
+#include "core/idk_device.h"
 #include "driver/dk_text.h"
 
 namespace dksml {
@@ -47,40 +43,33 @@ bool ParseLinkProperties(std::string_view text, DkLinkAttr& link) {
     return hasTo && hasType;
 }
 
-// One link directory: its numbered entries listed through one descriptor and
-// each entry's "properties" opened relative to it.
-void ReadLinkDirectory(int nodeDirFd, const char* name, std::vector<DkLinkAttr>& links) {
-    const int fd = ::openat(nodeDirFd, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0) return;
-    DIR* dir = ::fdopendir(fd);
-    if (dir == nullptr) {
-        ::close(fd);
-        return;
-    }
+// One link directory: its numbered entries in numeric order, each entry's
+// "properties" read through the device's layout node requests.
+void ReadLinkDirectory(IDkDevice& device, dravik_smi_opcode listOp, dravik_smi_opcode propertiesOp,
+                       std::vector<DkLinkAttr>& links) {
+    std::vector<std::string> names;
+    if (device.ListDriverData(0, listOp, names) != DK_SML_SUCCESS) return;
     std::vector<uint32_t> numbers;
-    while (const dirent* entry = ::readdir(dir)) {
-        const std::string_view entryName = entry->d_name;
+    for (const std::string& entryName : names) {
         unsigned int number = 0;
         if (IsNumber(entryName) && stoui_nt(entryName, number)) numbers.push_back(number);
     }
     std::sort(numbers.begin(), numbers.end());
     std::string text;
-    char properties[32];
     for (uint32_t number : numbers) {
-        std::snprintf(properties, sizeof properties, "%u/properties", number);
         DkLinkAttr link;
-        if (ReadFileTextAt(::dirfd(dir), properties, text) == DK_SML_SUCCESS && ParseLinkProperties(text, link))
+        if (device.FetchIndexedDriverData(number, propertiesOp, text) == DK_SML_SUCCESS &&
+            ParseLinkProperties(text, link))
             links.push_back(link);
     }
-    ::closedir(dir);
 }
 
 }  // namespace
 
-void ReadNodeLinks(int nodeDirFd, std::vector<DkLinkAttr>& direct, std::vector<DkLinkAttr>& indirect) {
-    if (nodeDirFd < 0) return;
-    ReadLinkDirectory(nodeDirFd, "direct_links", direct);
-    ReadLinkDirectory(nodeDirFd, "indirect_links", indirect);
+void ReadNodeLinks(IDkDevice* device, std::vector<DkLinkAttr>& direct, std::vector<DkLinkAttr>& indirect) {
+    if (device == nullptr) return;
+    ReadLinkDirectory(*device, DRAVIK_SMI_NODE_DIRECT_LINKS, DRAVIK_SMI_NODE_DIRECT_LINK_PROPERTIES, direct);
+    ReadLinkDirectory(*device, DRAVIK_SMI_NODE_INDIRECT_LINKS, DRAVIK_SMI_NODE_INDIRECT_LINK_PROPERTIES, indirect);
 }
 
 }  // namespace dksml

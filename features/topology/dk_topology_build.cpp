@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "core/dk_file_text.h"
-#include "core/dk_host_root.h"
+#include "core/dk_host_tree.h"
 #include "core/idk_device.h"
 #include "driver/dk_text.h"
 #include "features/topology/dk_cpu_list.h"
@@ -45,23 +45,21 @@ bool IsInterconnectType(uint32_t type) { return type == 4 || type == 5; }
 
 // First line of a small sysfs file ("" and false when it cannot be read).
 bool ReadHostFirstLine(const std::string& hostPath, std::string& scratch, std::string_view& line) {
-    if (ReadFileText(HostPath(hostPath), scratch) != DK_SML_SUCCESS) return false;
+    if (CurrentHostTree().ReadText(hostPath, scratch) != DK_SML_SUCCESS) return false;
     DkTextLines lines(scratch);
     return lines.Next(line);
 }
 
-// The layout node directory the device keeps open; -1 without one.
-int NodeDirectory(const DkTopologyInputs& inputs, uint32_t deviceIndex) {
+// The device object of an index; null without one.
+IDkDevice* DeviceOf(const DkTopologyInputs& inputs, uint32_t deviceIndex) {
     const auto device = inputs.devices.find(deviceIndex);
-    if (device == inputs.devices.end() || !device->second) return -1;
-    const std::shared_ptr<const DkDeviceDirs> dirs = device->second->GetDeviceDirs();
-    return dirs ? dirs->node.Get() : -1;
+    return device == inputs.devices.end() ? nullptr : device->second.get();
 }
 
 }  // namespace
 
 void DkTopology::ParseNumaNodeInfo(const std::map<std::string, DkGpuNodeInfo>& gpuNodes) {
-    if (!DirectoryOpens(HostPath(m_pciDevicesPath))) return;
+    if (!CurrentHostTree().DirectoryOpens(m_pciDevicesPath)) return;
     std::string scratch;
     for (const auto& [bdf, node] : gpuNodes) {
         std::string_view line;
@@ -127,7 +125,7 @@ void DkTopology::GenerateTopoTable(const DkTopologyInputs& inputs) {
         m_topologyIds[node.deviceIndex] = node.topologyId;
         directLinks.clear();
         indirectLinks.clear();
-        ReadNodeLinks(NodeDirectory(inputs, node.deviceIndex), directLinks, indirectLinks);
+        ReadNodeLinks(DeviceOf(inputs, node.deviceIndex), directLinks, indirectLinks);
         // Indirect first, so that a direct record for the same peer wins.
         FillGpuTopoInfo(node.deviceIndex, indirectLinks, deviceOfNode);
         FillGpuTopoInfo(node.deviceIndex, directLinks, deviceOfNode);

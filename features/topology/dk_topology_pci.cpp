@@ -1,13 +1,9 @@
 // Levels between a network interface and the GPUs and other interfaces, from
 // where the PCI functions sit in the kernel's device tree, and the virtual
 // switch links that join functions under different root complexes.
-#include <dirent.h>
-#include <sys/stat.h>
-
-#include <cstdlib>
 #include <string_view>
 
-#include "core/dk_host_root.h"
+#include "core/dk_host_tree.h"
 #include "driver/dk_text.h"
 #include "features/topology/dk_topology.h"
 
@@ -65,31 +61,24 @@ std::vector<std::string_view> ExtractPciNodes(std::string_view path) {
     return {};
 }
 
+const IDkHostTree& Tree() { return CurrentHostTree(); }
+
 std::string GetRealPath(const std::string& bdf) {
     const std::string path = std::string(c_pciDevicesDir) + "/" + bdf;
-    std::string real = RealHostPath(path);
+    std::string real = Tree().Resolve(path);
     return real.empty() ? path : real;
 }
 
+// A directory or a regular file (symbolic links are not followed).
 bool IsDirectoryEntry(const std::string& path, bool& isDirectory) {
-    struct stat info {};
-    if (lstat(path.c_str(), &info) != 0) return false;
-    isDirectory = S_ISDIR(info.st_mode);
-    return isDirectory || S_ISREG(info.st_mode);
+    const DkEntryKind kind = Tree().Kind(path);
+    isDirectory = kind == DkEntryKind::Directory;
+    return isDirectory || kind == DkEntryKind::File;
 }
 
 // Alphabetical listing without "." and ".."; false when it cannot be listed.
 bool ListDirectory(const std::string& path, std::vector<std::string>& names) {
-    dirent** entries = nullptr;
-    const int count = scandir(path.c_str(), &entries, nullptr, alphasort);
-    if (count < 0) return false;
-    for (int i = 0; i < count; ++i) {
-        const std::string_view name = entries[i]->d_name;
-        if (name != "." && name != "..") names.emplace_back(name);
-        std::free(entries[i]);
-    }
-    std::free(entries);
-    return true;
+    return Tree().List(path, DkListOrder::Alphabetical, names);
 }
 
 bool CollectNames(const std::string& dir, int depth, std::vector<std::string>& out) {
@@ -120,8 +109,8 @@ const std::unordered_map<std::string, std::vector<std::string>>& DkTopology::Get
     if (!m_virtualSwitchMap.empty()) return m_virtualSwitchMap;
     std::string dir;
     for (const char* candidate : c_virtualSwitchDirs) {
-        if (CheckIfFileExist(HostPath(candidate))) {
-            dir = HostPath(candidate);
+        if (Tree().Exists(candidate)) {
+            dir = candidate;
             break;
         }
     }
@@ -188,7 +177,7 @@ void DkTopology::FillNiTopoInfo(const DkTopologyInputs& inputs, uint32_t ni) {
         } else {
             // Read like the interface's own node: -1 (no NUMA) counts as node 0.
             int gpuNuma = 0;
-            if (ReadFileText(HostPath(m_pciDevicesPath + bdf + "/numa_node"), scratch) != DK_SML_SUCCESS ||
+            if (Tree().ReadText(m_pciDevicesPath + bdf + "/numa_node", scratch) != DK_SML_SUCCESS ||
                 !ExtractNumber(std::string_view(scratch), gpuNuma) || gpuNuma < 0) {
                 gpuNuma = 0;
             }

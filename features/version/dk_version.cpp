@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/idk_device.h"
+#include "driver/dk_driver_data_handler.h"
 #include "driver/dk_text.h"
 #include "features/version/dk_version_text.h"
 
@@ -139,12 +140,12 @@ DkSmlReturn DkVersion::GetDieUnitVersion(IDkDevice* device, unsigned int dieId, 
     return CopyVersionValue(value, buffer, size);
 }
 
-DkSmlReturn DkVersion::GetBiosVersion(const std::string& smiPath, char* buffer, uint32_t* size) {
+DkSmlReturn DkVersion::GetBiosVersion(IDkDriverDataHandler& handler, char* buffer, uint32_t* size) {
     if (buffer == nullptr || size == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     PutText(c_unknown, buffer, *size);
     std::string text;
-    const DkSmlReturn result = ReadFileText(smiPath + "showvbios", text);
-    if (result != DK_SML_SUCCESS) return result;
+    // Absent or unreadable alike: the limited device's file could not be read.
+    if (handler.FetchData(0, DRAVIK_SMI_SHOWVBIOS, text) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
     return CopyVersionValue(VersionValue(text), buffer, size);
 }
 

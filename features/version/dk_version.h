@@ -10,6 +10,7 @@
 namespace dksml {
 
 class IDkDevice;
+class IDkDriverDataHandler;
 
 // Units DK_SML_VERSION_VBIOS ... DK_SML_VERSION_FW_VR1.
 inline constexpr uint32_t c_versionUnitCount = DK_SML_VERSION_FW_VR1 + 1;
@@ -39,8 +40,9 @@ public:
     virtual DkSmlReturn GetVersion(IDkDevice* device, DkSmlVersion* version);
     virtual DkSmlReturn GetDieVersion(IDkDevice* device, unsigned int dieId, DkSmlVersion* version);
     virtual DkSmlReturn GetDieUnitVersion(IDkDevice* device, unsigned int dieId, DkSmlVersionUnit unit, char* buffer, uint32_t* size);
-    // Reads "showvbios" in the given attribute directory (limited devices).
-    virtual DkSmlReturn GetBiosVersion(const std::string& smiPath, char* buffer, uint32_t* size);
+    // Reads "showvbios" through a handler of its own (limited devices, which
+    // have no device object); DK_SML_ERROR_SYSFS when it cannot be read.
+    virtual DkSmlReturn GetBiosVersion(IDkDriverDataHandler& handler, char* buffer, uint32_t* size);
     virtual DkSmlReturn GetPptableVersion(IDkDevice* device, char* buffer, uint32_t size);
     virtual DkSmlReturn GetDiePptableVersion(IDkDevice* device, unsigned int dieId, char* buffer, uint32_t size);
     virtual DkSmlReturn GetVornVersion(char* buffer, uint32_t size);

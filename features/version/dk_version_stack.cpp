@@ -1,5 +1,8 @@
 // The compute-stack version, asked of the stack's own libraries at run time.
-// Both are optional: a host without them answers "unknown" and 26.
+// Both are optional: a host without them answers "unknown" and
+// DK_SML_ERROR_LOAD_LIBRARY. These are shared libraries the stack installs,
+// not driver files, so they are loaded here (under the host root) rather than
+// read through the driver data handler.
 #include <dlfcn.h>
 
 #include <cstdio>

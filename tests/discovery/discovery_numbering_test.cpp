@@ -14,45 +14,15 @@ namespace {
 
 const void* HandleValue(uint64_t handle) { return reinterpret_cast<const void*>(static_cast<uintptr_t>(handle)); }
 
-// The server host in PCI order: six usable physical GPUs (one of them a DKK2
-// that hosts two virtual functions) and a DKK1 without "pcipowerstate".
-struct ExpectedDevice {
-    uint32_t index;
-    const char* bdf;
-    const char* name;
-    DkSmlDeviceBrand brand;
-    DkSmlDeviceVirtualizationMode mode;
-    uint32_t dieCount;
-};
-
-const ExpectedDevice c_serverDevices[] = {
-    {0, "0000:1b:00.0", "DKK6-A", DK_SML_BRAND_DKK_X, DK_SML_VIRTUALIZATION_MODE_NONE, 2},
-    {1, "0000:1c:00.0", "DKK6-AL", DK_SML_BRAND_DKK_X, DK_SML_VIRTUALIZATION_MODE_NONE, 1},
-    {2, "0000:1e:00.0", "DKK2", DK_SML_BRAND_DKK, DK_SML_VIRTUALIZATION_MODE_PF, 1},
-    {3, "0000:af:00.0", "DKK6-PL", DK_SML_BRAND_DKK_X, DK_SML_VIRTUALIZATION_MODE_NONE, 2},
-    {4, "0000:b0:00.0", "DKK6U", DK_SML_BRAND_DKK_X, DK_SML_VIRTUALIZATION_MODE_NONE, 1},
-    {5, "0000:e1:00.0", "DKQ9-A", DK_SML_BRAND_DKQ, DK_SML_VIRTUALIZATION_MODE_NONE, 1},
-    {100, "0000:1e:00.1", "DKK2 VF", DK_SML_BRAND_DKK, DK_SML_VIRTUALIZATION_MODE_VF, 1},
-    {101, "0000:1e:00.2", "DKK2 VF", DK_SML_BRAND_DKK, DK_SML_VIRTUALIZATION_MODE_VF, 1},
-};
-
+// Which device gets which index, name, brand and die count on each shipped
+// host is pinned by dksmi's golden transcripts; these are the counts and the
+// indices that stay empty.
 TEST(ServerDiscovery, NumbersPhysicalFromZeroAndVirtualFromHundred) {
     vhost::ScopedHost host("server"sv);
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
     EXPECT_EQ(dkSmlGetDeviceCount(), 6u);
     EXPECT_EQ(dkSmlGetPfDeviceCount(), 2u);  // the virtual functions
-    for (const ExpectedDevice& expected : c_serverDevices) {
-        SCOPED_TRACE(expected.bdf);
-        DkSmlDeviceInfo info = InfoOf(expected.index);
-        EXPECT_EQ(info.deviceIndex, expected.index);
-        EXPECT_STREQ(info.bdfId, expected.bdf);
-        EXPECT_STREQ(info.deviceName, expected.name);
-        EXPECT_EQ(info.brand, expected.brand);
-        EXPECT_EQ(info.virtualizationMode, expected.mode);
-        uint32_t dies = 0;
-        EXPECT_EQ(dkSmlGetDeviceDieCount(expected.index, &dies), DK_SML_SUCCESS);
-        EXPECT_EQ(dies, expected.dieCount);
-    }
+    EXPECT_EQ(InfoOf(101).deviceIndex, 101u);
     DkSmlDeviceInfo info{};
     EXPECT_EQ(dkSmlGetDeviceInfo(6, &info), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
     EXPECT_EQ(dkSmlGetDeviceInfo(102, &info), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);

@@ -2,8 +2,6 @@
 // profile (namespace pids) and the slices profile (slices, domains).
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-
 #include "dksmi/dksmi_runner.h"
 
 namespace dksmi::test {
@@ -32,24 +30,14 @@ TEST_F(DksmiProcesses, SortByMemoryPutsTheLargestUserFirst) {
     EXPECT_NE(RunDksmi("processes --sort size").exitCode, 0);
 }
 
-TEST_F(DksmiProcesses, SummaryCountsProcessesAndDetailListsSlices) {
+// The summary and --json counts are in the golden transcripts.
+TEST_F(DksmiProcesses, DetailListsTheSlices) {
     ScopedHost host("slices");
-    const RunResult summary = RunDksmi("");
-    EXPECT_NE(summary.out.find("PROCS"), std::string::npos);
     const RunResult detail = RunDksmi("-i 1");
     ASSERT_EQ(detail.exitCode, 0) << detail.err;
     EXPECT_NE(detail.out.find("Slice mode           on"), std::string::npos) << detail.out;
     EXPECT_NE(detail.out.find("slice 3"), std::string::npos) << detail.out;
     EXPECT_EQ(detail.out.find("slice 2"), std::string::npos) << detail.out;
-
-    const nlohmann::json doc = nlohmann::json::parse(RunDksmi("--json").out);
-    EXPECT_EQ(doc["devices"][0]["process_count"], 2);
-    EXPECT_EQ(doc["devices"][0]["slice_mode"], false);
-    EXPECT_EQ(doc["devices"][1]["slices"].size(), 3u);
-    EXPECT_EQ(doc["devices"][1]["slices"][0]["alias"], "tenant-a");
-    ASSERT_EQ(doc["processes"].size(), 3u);
-    EXPECT_EQ(doc["processes"][1]["namespace_pid"], 12);
-    EXPECT_EQ(doc["processes"][1]["gpus"][0]["slice_id"], 1);
 }
 
 }  // namespace

@@ -144,24 +144,15 @@ TEST_F(DksmiSet, SliceOperationsRefuseWithoutRoot) {
     EXPECT_EQ(host.ReadFile("/sys/devices/pci0000:17/0000:17:02.0/0000:3b:00.0/sgpu/remove"), "");
 }
 
+// The versions and levels in --json are in the golden transcripts.
 TEST_F(DksmiSet, DetailShowsVersionsAndLevels) {
     ScopedHost host("server"sv);
-    const json document = json::parse(RunDksmi("--json").out);
-    EXPECT_EQ(document["library_version"], "2.3.1");
-    EXPECT_EQ(document["driver_version"], "6.2.15");
-    const std::string index = IndexOf(document, "0000:1b:00.0");
+    const std::string index = IndexOf(json::parse(RunDksmi("--json").out), "0000:1b:00.0");
     const RunResult run = RunDksmi("-i " + index);
     ASSERT_EQ(run.exitCode, 0) << run.err;
     for (const char* text : {"Driver", "6.2.15", "VBIOS", "016.4.", "Compute stack", "2.3.5.17", "Firmware MCU",
                              "0.9.7", "Performance levels (current / max)"})
         EXPECT_NE(run.out.find(text), std::string::npos) << text;
-    const json detail = json::parse(RunDksmi("--json -i " + index).out);
-    const json& device = detail["devices"][0];
-    EXPECT_EQ(device["versions"]["firmware"]["VR1"], "0x21");
-    EXPECT_EQ(device["dies"][1]["performance_levels"]["xcore"]["max"], 9);
-    EXPECT_TRUE(device["dies"][0]["performance_levels"]["xcore"]["current"].is_number());
-    const RunResult summary = RunDksmi("");
-    EXPECT_EQ(summary.out.rfind("Driver Version: 6.2.15    DKSML Version: 2.3.1\n", 0), 0u) << summary.out;
 }
 
 }  // namespace

@@ -206,24 +206,14 @@ TEST_F(DpmServiceTest, TableOperationsWriteTheirCommands) {
     EXPECT_EQ(dpm.SetDpmHide(&device, DK_SML_DPM_IP_MC, 1u << 16), DK_SML_ERROR_INVALID_INPUT);
 }
 
-// The interval file is read and written in the die's own directory.
+// The interval file is read and written as a request of the die.
 class DpmIntervalTest : public DpmServiceTest {
 protected:
-    void SetUp() override {
-        m_dir = std::filesystem::temp_directory_path() /
-                ("dksml_dpm_interval_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "_" +
-                 ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::create_directories(m_dir);
-        device.smiPath = m_dir.string() + "/";
-    }
-    void TearDown() override { std::filesystem::remove_all(m_dir); }
-    // The read goes through the request table, the write to the file.
     void Write(const std::string& text) { device.Serve(0, DRAVIK_SMI_DPMINTERVAL, text); }
-    std::string Read() {
-        std::ifstream in(m_dir / "dpminterval");
-        return std::string(std::istreambuf_iterator<char>(in), {});
+    std::string Read() const {
+        if (device.writes.empty() || device.writes.back().op != DRAVIK_SMI_DPMINTERVAL) return {};
+        return device.writes.back().text;
     }
-    std::filesystem::path m_dir;
 };
 
 TEST_F(DpmIntervalTest, ReadsEveryDomainAndWritesTheAllowedOne) {
@@ -236,10 +226,10 @@ TEST_F(DpmIntervalTest, ReadsEveryDomainAndWritesTheAllowedOne) {
     device.brand = DK_SML_BRAND_DKK_X;
     EXPECT_EQ(dpm.SetDpmInterval(&device, DK_SML_DPM_IP_DLA, 7), DK_SML_ERROR_INVALID_INPUT);
     ASSERT_EQ(dpm.SetDpmInterval(&device, DK_SML_DPM_IP_XCORE, 65535), DK_SML_SUCCESS);
-    EXPECT_EQ(Read(), "xcore 65535\n");
+    EXPECT_EQ(Read(), "xcore 65535");
     device.brand = DK_SML_BRAND_DKQ;
     ASSERT_EQ(dpm.SetDpmInterval(&device, DK_SML_DPM_IP_DLA, 7), DK_SML_SUCCESS);
-    EXPECT_EQ(Read(), "dla 7\n");
+    EXPECT_EQ(Read(), "dla 7");
     device.brand = DK_SML_BRAND_DKZ;
     EXPECT_EQ(dpm.SetDpmInterval(&device, DK_SML_DPM_IP_DLA, 7), DK_SML_ERROR_NOT_SUPPORTED);
 }

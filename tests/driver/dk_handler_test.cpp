@@ -51,7 +51,8 @@ TEST(RequestTable, SpotChecks) {
         {92, "showclocks"}, {126, "showtemp"}, {131, "showuse"}, {157, "xpuusedebugmax"},
         {164, "dpm_table_ctrl"}, {172, "update_flash_lock"}, {173, "showtstemp"}, {176, "showtopology"},
         // reserved numbers and absent ones both give the empty name
-        {1, ""}, {53, ""}, {158, ""}, {19, ""}, {149, ""}, {177, ""}, {0xFFFFFFFFu, ""},
+        {177, "setpcidelay"}, {203, "sgpu/sgpu%u/meminfo"},
+        {1, ""}, {53, ""}, {158, ""}, {19, ""}, {149, ""}, {DRAVIK_SMI_OPCODE_END, ""}, {0xFFFFFFFFu, ""},
     };
     for (const Case& c : cases) {
         const std::string expected = c.name != nullptr ? c.name : "";

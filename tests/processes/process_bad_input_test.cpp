@@ -95,18 +95,20 @@ class VanishingScan : public DkLinuxProcessManagement {
 public:
     using DkLinuxProcessManagement::DkLinuxProcessManagement;
     std::string victim;
+    vhost::ScopedHost* host = nullptr;
 
 protected:
     void BeforeReadingProcess(const std::string& processDir) override {
         if (processDir.size() >= victim.size() && processDir.compare(processDir.size() - victim.size(), victim.size(),
                                                                      victim) == 0)
-            std::filesystem::remove_all(processDir);
+            host->Remove(processDir);
     }
 };
 
 TEST_F(BadClients, AProcessThatExitsMidScanIsSkipped) {
     VanishingScan scan(std::string(c_dkcdDebugDir) + "/proc", 16ull << 20);
     scan.victim = "/4242";
+    scan.host = host.get();
     std::vector<DkSmlProcessInfo_v3> records(4);
     uint32_t count = 0;
     ASSERT_EQ(scan.GetProcessInfo_v3(records.data(), 4, &count, DK_SML_ALL_GPUS, false), DK_SML_SUCCESS);

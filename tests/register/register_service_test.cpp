@@ -2,10 +2,7 @@
 // a queue of values per address, every access recorded in order.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <deque>
-#include <filesystem>
-#include <fstream>
 #include <map>
 
 #include "features/register/dk_register.h"
@@ -47,23 +44,13 @@ public:
 
 class RegisterServiceTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        m_dir = std::filesystem::temp_directory_path() /
-                ("dksml_reg_" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-        std::filesystem::create_directories(m_dir);
-        std::ofstream(m_dir / "select_gpu_id") << "";
-        ::setenv("ROOT_PATH_REG_DUMP", m_dir.c_str(), 1);
-    }
-    void TearDown() override {
-        ::unsetenv("ROOT_PATH_REG_DUMP");
-        std::filesystem::remove_all(m_dir);
-    }
+    // The selection is a write of the "select_gpu_id" request.
     std::string Selection() const {
-        std::ifstream in(m_dir / "select_gpu_id");
-        return std::string(std::istreambuf_iterator<char>(in), {});
+        for (auto it = device.writes.rbegin(); it != device.writes.rend(); ++it)
+            if (it->op == DRAVIK_SMI_SELECTGPUID) return it->text;
+        return {};
     }
 
-    std::filesystem::path m_dir;
     RegisterDevice device;
     DkRegister registers{[](uint32_t index) { return index == 7 ? 3u : 40217u; }};
 };
@@ -84,7 +71,7 @@ TEST_F(RegisterServiceTest, SelectionCarriesTheDieInTheHighHalf) {
     uint32_t count = 16;
     device.queues[0x1000] = {0xCAFE};
     ASSERT_EQ(registers.GetDieRegisterData(&device, 1, 0x1000, &value, &count), DK_SML_SUCCESS);
-    EXPECT_EQ(Selection(), "65539\n");
+    EXPECT_EQ(Selection(), "65539");
     EXPECT_EQ(count, 1u);
     EXPECT_EQ(value, 0xCAFEu);
 }
@@ -95,7 +82,7 @@ TEST_F(RegisterServiceTest, SelectionFailuresEndTheOperation) {
     uint32_t count = 1;
     EXPECT_EQ(registers.GetRegisterData(&device, 0x1000, &value, &count), DK_SML_ERROR_NOT_SUPPORTED);
     device.index = 0;
-    std::filesystem::remove(m_dir / "select_gpu_id");
+    device.writeResult = DK_SML_ERROR_NOT_SUPPORTED;  // the debug file is absent
     EXPECT_EQ(registers.GetRegisterData(&device, 0x1000, &value, &count), DK_SML_ERROR_PERMISSION);
     EXPECT_EQ(registers.SetRegisterData(&device, 0x1000, 1), DK_SML_ERROR_PERMISSION);
     EXPECT_TRUE(device.log.empty());
