@@ -1,11 +1,13 @@
 // Device, die and firmware-unit versions read from the driver.
 #include "features/version/dk_version.h"
 
+#include <memory>
 #include <string>
 #include <utility>
 
 #include "core/idk_device.h"
 #include "driver/dk_driver_data_handler.h"
+#include "driver/dk_read_session.h"
 #include "driver/dk_text.h"
 #include "features/version/dk_version_text.h"
 
@@ -41,6 +43,10 @@ DkStack StackOfBrand(DkSmlDeviceBrand brand) {
     }
 }
 
+DkSmlReturn LoadStackVersion(DkVersion& version, DkStack stack, char* buffer, uint32_t size) {
+    return stack == DkStack::Dkq ? version.GetDkqVornVersion(buffer, size) : version.GetDkkVornVersion(buffer, size);
+}
+
 }  // namespace
 
 DkSmlReturn DkVersion::GetVersion(IDkDevice* device, DkSmlVersion* version) {
@@ -72,12 +78,28 @@ DkSmlReturn DkVersion::GetDieVersion(IDkDevice* device, unsigned int dieId, DkSm
 
 DkSmlReturn DkVersion::GetStackVersion(IDkDevice* device, char* buffer, uint32_t size) {
     if (device == nullptr || buffer == nullptr) return DK_SML_ERROR_INVALID_INPUT;
-    switch (StackOfBrand(device->GetDeviceBrand())) {
-        case DkStack::Dkq: return GetDkqVornVersion(buffer, size);
-        case DkStack::Dkk: return GetDkkVornVersion(buffer, size);
-        case DkStack::None: break;
+    const DkStack stack = StackOfBrand(device->GetDeviceBrand());
+    if (stack == DkStack::None) return DK_SML_ERROR_NOT_SUPPORTED;
+    DkReadSession* session = DkReadSession::Current();
+    if (session == nullptr) return LoadStackVersion(*this, stack, buffer, size);
+
+    // Every device of a brand asks the same libraries, so within one snapshot
+    // they are loaded once per stack: the answer is kept as read into a
+    // full-size buffer, and the caller's size applied to it afterwards.
+    static const std::shared_ptr<const void> stackRecords = std::make_shared<int>(0);
+    std::string text;
+    const DkSmlReturn status =
+        session->Fetch(stackRecords, 0, static_cast<int>(stack), text, [&](std::string& out) {
+            char full[DK_SML_VERSION_LENGTH] = {};
+            const DkSmlReturn loaded = LoadStackVersion(*this, stack, full, sizeof full);
+            if (loaded == DK_SML_SUCCESS) out = full;
+            return loaded;
+        });
+    if (status != DK_SML_SUCCESS) {
+        PutText(c_unknown, buffer, size);
+        return status;
     }
-    return DK_SML_ERROR_NOT_SUPPORTED;
+    return AnswerWholeText(text, buffer, size);
 }
 
 DkSmlReturn DkVersion::GetDieVersionTexts(IDkDevice* device, unsigned int dieId, DkDieVersionTexts* texts) {

@@ -62,20 +62,9 @@ private:
 
 // VORN_PATH is used as given; the default directory is a host path.
 std::string RuntimeLibraryPath() {
-    const char* configured = std::getenv(c_vornPathVariable);
+    const char* configured = secure_getenv(c_vornPathVariable);
     std::string path = configured != nullptr ? std::string(configured) : HostPath(c_vornDefaultDir);
     return path + c_runtimeLibrary;
-}
-
-DkSmlReturn Answer(const char* text, char* buffer, uint32_t size) {
-    if (size == 0) return DK_SML_ERROR_INSUFFICIENT_SIZE;
-    const std::string_view value(text);
-    if (value.size() >= size) {
-        PutText(c_unknown, buffer, size);
-        return DK_SML_ERROR_INSUFFICIENT_SIZE;
-    }
-    PutText(value, buffer, size);
-    return DK_SML_SUCCESS;
 }
 
 }  // namespace
@@ -100,7 +89,7 @@ DkSmlReturn DkVersion::GetDkkVornVersion(char* buffer, uint32_t size) {
     if (getVersion(&majorMinor, &patch, &build) != 0) return DK_SML_ERROR_LOAD_LIBRARY;
     char text[64];
     std::snprintf(text, sizeof text, "%d.%d.%d.%d", majorMinor / 1000, (majorMinor % 1000) / 10, patch, build);
-    return Answer(text, buffer, size);
+    return AnswerWholeText(text, buffer, size);
 }
 
 DkSmlReturn DkVersion::GetDkqVornVersion(char* buffer, uint32_t size) {
@@ -112,7 +101,7 @@ DkSmlReturn DkVersion::GetDkqVornVersion(char* buffer, uint32_t size) {
     char text[c_sdkTextLength] = {};
     if (getVersion(text, sizeof text) != 0) return DK_SML_ERROR_LOAD_LIBRARY;
     text[sizeof text - 1] = '\0';
-    return Answer(text, buffer, size);
+    return AnswerWholeText(text, buffer, size);
 }
 
 }  // namespace dksml

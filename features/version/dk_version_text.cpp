@@ -102,4 +102,14 @@ void InitFirmwareRecord(DkSmlFwVersion& record) {
         PutText(i < 2 ? c_unknown : c_fwNotSupport, record.*c_fwFields[i].field, DK_SML_VERSION_LENGTH);
 }
 
+DkSmlReturn AnswerWholeText(std::string_view text, char* buffer, uint32_t size) {
+    if (size == 0) return DK_SML_ERROR_INSUFFICIENT_SIZE;
+    if (text.size() >= size) {
+        PutText(c_unknown, buffer, size);
+        return DK_SML_ERROR_INSUFFICIENT_SIZE;
+    }
+    PutText(text, buffer, size);
+    return DK_SML_SUCCESS;
+}
+
 }  // namespace dksml

@@ -27,6 +27,10 @@ std::string_view FwUnitKey(DkSmlVersionUnit unit);
 // when `capacity` is 0).
 void PutText(std::string_view text, char* buffer, uint32_t capacity);
 
+// A text given whole (the compute stack's version): copied when it fits,
+// else "unknown" and DK_SML_ERROR_INSUFFICIENT_SIZE.
+DkSmlReturn AnswerWholeText(std::string_view text, char* buffer, uint32_t size);
+
 // The value of a version text: after the first ':' (the whole text when it
 // has none), blanks and tabs trimmed at the start, blanks, tabs, carriage
 // returns and newlines at the end.
