@@ -35,6 +35,7 @@ TEST_F(DksmiExit, BadCommandLinesAreUsageErrors) {
     EXPECT_EQ(RunDksmi("-i not-a-number").exitCode, kUsage);
     EXPECT_EQ(RunDksmi("--watch 0").exitCode, kUsage);
     EXPECT_EQ(RunDksmi("--count 2").exitCode, kUsage) << "--count needs --watch";
+    EXPECT_NE(RunDksmi("processes --sort size").exitCode, 0);
     EXPECT_EQ(RunDksmi("--help").exitCode, 0);
 }
 

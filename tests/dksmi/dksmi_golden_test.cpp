@@ -74,9 +74,19 @@ struct Output {
     const char* arguments;
 };
 
-// dksmi's two renderings of the whole host: the summary table and the JSON
-// document (which carries every per-die detail).
-constexpr Output c_outputs[] = {{"table", ""}, {"json", "--json"}};
+// dksmi's renderings of the whole host: the summary table, the JSON document
+// (which carries every per-die detail), the topology matrix in both forms and
+// the process list in both orders.
+constexpr Output c_outputs[] = {{"table", ""},
+                                {"json", "--json"},
+                                {"topo", "topo"},
+                                {"topo-json", "topo --json"},
+                                {"processes", "processes"},
+                                {"processes-by-memory", "processes --sort memory"}};
+
+// The topology rows of a network card appear only for the vendor named in
+// "DK_SMI_NIC_VENDOR"; the transcripts name the one the profiles ship.
+constexpr const char* c_nicVendor = "0x15b3";
 
 using DksmiGolden = DksmiTest;
 
@@ -84,6 +94,7 @@ TEST_F(DksmiGolden, EveryShippedProfileMatchesItsTranscripts) {
     const std::vector<std::string> profiles = ShippedProfiles();
     ASSERT_FALSE(profiles.empty());
     if (UpdatingGolden()) fs::create_directories(GoldenDirectory());
+    setenv("DK_SMI_NIC_VENDOR", c_nicVendor, 1);
     for (const std::string& profile : profiles) {
         ScopedHost host(profile);
         for (const Output& output : c_outputs) {
@@ -99,6 +110,7 @@ TEST_F(DksmiGolden, EveryShippedProfileMatchesItsTranscripts) {
                 << "; if the change is intended, rerun with DKSML_UPDATE_GOLDEN=1 and review the diff";
         }
     }
+    unsetenv("DK_SMI_NIC_VENDOR");
 }
 
 // A golden file whose profile is gone would never be compared again.

@@ -100,5 +100,25 @@ TEST_F(DksmiText, InterruptEndsWatchCleanly) {
     EXPECT_NE(out.find("IDX"), std::string::npos);
 }
 
+TEST_F(DksmiText, DetailShowsPcieAndLinks) {
+    ScopedHost host("server"sv);
+    const RunResult run = RunDksmi("-i 3");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    for (const char* label : {"PCIe link", "PCIe max link", "PCIe slot", "Port states", "Link bandwidth in"})
+        EXPECT_NE(run.out.find(label), std::string::npos) << label;
+    EXPECT_NE(run.out.find("32.0 GT/s x16"), std::string::npos) << run.out;
+}
+
+// The process list itself is in the golden transcripts; "-p" is its alias.
+TEST_F(DksmiText, DetailListsTheSlicesAndDashPListsTheProcesses) {
+    ScopedHost host("slices"sv);
+    const RunResult detail = RunDksmi("-i 1");
+    ASSERT_EQ(detail.exitCode, 0) << detail.err;
+    EXPECT_NE(detail.out.find("Slice mode           on"), std::string::npos) << detail.out;
+    EXPECT_NE(detail.out.find("slice 3"), std::string::npos) << detail.out;
+    EXPECT_EQ(detail.out.find("slice 2"), std::string::npos) << detail.out;
+    EXPECT_EQ(RunDksmi("-p").out, RunDksmi("processes").out);
+}
+
 }  // namespace
 }  // namespace dksmi::test
