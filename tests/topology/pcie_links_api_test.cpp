@@ -10,15 +10,13 @@ namespace {
 
 using test::MakeHost;
 
-TEST(PcieApi, CurrentAndMaximumLink) {
+// The links, slots, byte counters and interconnect readings of every device
+// of each profile are in dksmi's --json transcripts (tests/dksmi/golden); the
+// tests here take the refusals, the text rules and what dksmi does not print.
+
+TEST(PcieApi, LinkRefusals) {
     auto host = MakeHost("server");
     DkSmlPcieInfo info{};
-    ASSERT_EQ(dkSmlGetPcieInfo(0, &info), DK_SML_SUCCESS);
-    EXPECT_FLOAT_EQ(info.speed, 32.0f);
-    EXPECT_EQ(info.width, 16u);
-    ASSERT_EQ(dkSmlGetPcieMaxLinkInfo(2, &info), DK_SML_SUCCESS);  // DKK2 at 16 GT/s behind a 32 GT/s port
-    EXPECT_FLOAT_EQ(info.speed, 16.0f);
-    EXPECT_EQ(info.width, 16u);
     EXPECT_EQ(dkSmlGetPcieInfo(100, &info), DK_SML_ERROR_NOT_SUPPORTED);  // a VF
     EXPECT_EQ(dkSmlGetPcieMaxLinkInfo(100, &info), DK_SML_ERROR_NOT_SUPPORTED);
     EXPECT_EQ(dkSmlGetPcieInfo(0, nullptr), DK_SML_ERROR_INVALID_INPUT);
@@ -42,13 +40,6 @@ TEST(PcieApi, SpeedTextRules) {
     EXPECT_EQ(dkSmlGetPcieMaxLinkInfo(0, &info), DK_SML_ERROR_SYSFS);
 }
 
-TEST(PcieApi, UnknownSlotSpeedLetsTheDeviceDecide) {
-    auto host = MakeHost("workstation");
-    DkSmlPcieInfo info{};
-    ASSERT_EQ(dkSmlGetPcieMaxLinkInfo(1, &info), DK_SML_SUCCESS);
-    EXPECT_FLOAT_EQ(info.speed, 16.0f);
-}
-
 TEST(PcieApi, GuestReportsNoMaximumLink) {
     nlohmann::json profile = vhost::LoadProfile("guest");
     profile["devices"].push_back({{"bus_id", "0000:00:07.0"}, {"model", "DKK6-A"}, {"bridges", nlohmann::json::array()}});
@@ -60,25 +51,16 @@ TEST(PcieApi, GuestReportsNoMaximumLink) {
     EXPECT_EQ(info.width, 0u);
 }
 
-TEST(PcieApi, ThroughputIsTheByteCounters) {
+TEST(PcieApi, ThroughputWithoutItsLabelsIsASysfsError) {
     auto host = MakeHost("server");
     DkSmlPcieThroughput throughput{};
-    ASSERT_EQ(dkSmlGetPcieThroughput(0, &throughput), DK_SML_SUCCESS);
-    ASSERT_GT(throughput.rx, 0u);
-    EXPECT_EQ(throughput.rx / 1024, throughput.tx / 640);  // the profile's rx and tx byte rates
     host->WriteFile("/sys/bus/pci/devices/0000:1b:00.0/smi/showupstreambandwidth", "rx bytes: 1\ntx bytes: 2\n");
     EXPECT_EQ(dkSmlGetPcieThroughput(0, &throughput), DK_SML_ERROR_SYSFS);
 }
 
-TEST(PcieApi, SlotsFromTheFirmwareTable) {
+TEST(PcieApi, TruncatedOrAbsentFirmwareTableIsASysfsError) {
     auto host = MakeHost("server");
     uint32_t slot = 0;
-    ASSERT_EQ(dkSmlGetDeviceSlot(0, &slot), DK_SML_SUCCESS);
-    EXPECT_EQ(slot, 1u);
-    ASSERT_EQ(dkSmlGetDeviceSlot(4, &slot), DK_SML_SUCCESS);
-    EXPECT_EQ(slot, 5u);
-    ASSERT_EQ(dkSmlGetDeviceSlot(101, &slot), DK_SML_SUCCESS);  // 0000:1e:00.2 sits in 1e's slot
-    EXPECT_EQ(slot, 3u);
     host->WriteFile("/sys/firmware/dmi/tables/DMI", std::string("\x09\x11\x00", 3));
     EXPECT_EQ(dkSmlGetDeviceSlot(0, &slot), DK_SML_ERROR_SYSFS);
     host->Remove("/sys/firmware/dmi/tables/DMI");
@@ -108,32 +90,20 @@ TEST(PcieApi, PciDelayAndGenerationOnlyOnTheInferenceLine) {
     EXPECT_EQ(dkSmlSetPciSpeed(1, DK_SML_PCI_GEN1), DK_SML_ERROR_NOT_SUPPORTED);
 }
 
-TEST(LinksApi, PortStatesStateAndCounters) {
+TEST(LinksApi, StateWriteCountersAndPortInfo) {
     auto host = MakeHost("server");
     uint32_t states[16] = {};
     uint32_t count = 16;
-    ASSERT_EQ(dkSmlGetDravikLinkPortState(3, &count, states), DK_SML_SUCCESS);
-    ASSERT_GE(count, 7u);
-    const uint32_t expected[7] = {2, 2, 2, 2, 0, 0, 0};
-    for (int i = 0; i < 7; ++i) EXPECT_EQ(states[i], expected[i]) << i;
     count = 3;
     EXPECT_EQ(dkSmlGetDravikLinkPortState(3, &count, states), DK_SML_ERROR_INSUFFICIENT_SIZE);
 
     uint32_t state = 0;
     char text[32] = {};
     uint32_t size = sizeof(text);
-    ASSERT_EQ(dkSmlGetDravikLinkState(0, &state, text, &size), DK_SML_SUCCESS);
-    EXPECT_EQ(state, 1u);
-    EXPECT_STREQ(text, "enabled");
     ASSERT_EQ(dkSmlSetDravikLinkState(4, 0), DK_SML_SUCCESS);
     EXPECT_EQ(host->ReadFile("/sys/bus/pci/devices/0000:b0:00.0/smi/dravlink_ctrl"), "0\n");
     EXPECT_EQ(dkSmlGetDravikLinkState(2, &state, text, &size), DK_SML_ERROR_NOT_SUPPORTED);  // hosts VFs
 
-    DkSmlDravikLinkBandwidth bandwidth[16] = {};
-    count = 16;
-    ASSERT_EQ(dkSmlGetDravikLinkBandwidth(4, DK_SML_DRAVIK_LINK_INBOUND, &count, bandwidth), DK_SML_SUCCESS);
-    EXPECT_EQ(count, 7u);
-    EXPECT_EQ(bandwidth[0].values[1], 50000u);
     DkSmlDravikLinkTrafficStat traffic[16] = {};
     count = 16;
     ASSERT_EQ(dkSmlGetDravikLinkTrafficStat(4, DK_SML_DRAVIK_LINK_OUTBOUND, &count, traffic), DK_SML_SUCCESS);

@@ -19,29 +19,14 @@ namespace {
 
 using test::MakeHost;
 
-// Device indices of the server profile, in bus order (its DKK1 is limited).
-constexpr uint32_t c_serverGpus = 6;
+// The levels, CPU and node masks of every GPU and network card of each
+// profile are in dksmi's topology transcripts (tests/dksmi/golden); the tests
+// here take the refusals, the failure paths and what dksmi does not print.
 
-// Levels the server profile's links and bridges imply: 1b-1c, af-b0 and
-// 1b-af are interconnect links (5); 1e shares only the root port of 1b/1c
-// (2); across the sockets the level is 6; e1 shares only the NUMA node of
-// af and b0 (4).
-constexpr uint32_t c_serverLevels[c_serverGpus][c_serverGpus] = {
-    {0, 5, 2, 5, 6, 6}, {5, 0, 2, 6, 6, 6}, {2, 2, 0, 6, 6, 6}, {5, 6, 6, 0, 5, 4}, {6, 6, 6, 5, 0, 4},
-    {6, 6, 6, 4, 4, 0},
-};
-
-TEST(TopologyApi, ServerLevelsFollowLinksAndBridges) {
+TEST(TopologyApi, LevelRefusals) {
     auto host = MakeHost("server");
-    for (uint32_t a = 0; a < c_serverGpus; ++a) {
-        for (uint32_t b = 0; b < c_serverGpus; ++b) {
-            DkSmlGpuTopologyLevel level = DK_SML_TOPOLOGY_UNKNOWN;
-            ASSERT_EQ(dkSmlGetDeviceTopology(a, b, &level), DK_SML_SUCCESS);
-            EXPECT_EQ(static_cast<uint32_t>(level), c_serverLevels[a][b]) << a << "-" << b;
-        }
-    }
     DkSmlGpuTopologyLevel level;
-    EXPECT_EQ(dkSmlGetDeviceTopology(0, c_serverGpus, &level), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+    EXPECT_EQ(dkSmlGetDeviceTopology(0, 6, &level), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);    // the limited DKK1
     EXPECT_EQ(dkSmlGetDeviceTopology(100, 0, &level), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);  // a VF
     EXPECT_EQ(dkSmlGetDeviceTopology(0, 0, nullptr), DK_SML_ERROR_INVALID_INPUT);
 }
@@ -85,37 +70,16 @@ TEST(TopologyApi, GpuWithoutLinkRecordsIsUnreachable) {
     EXPECT_EQ(nodesMask, 0u);  // its CPU-node record went too
 }
 
-TEST(TopologyApi, CpuAndNodeMasksOfTheServer) {
+TEST(TopologyApi, CpuMaskTruncatesToTheCallersWordsAndRefusesBadInput) {
     auto host = MakeHost("server");
-    uint32_t cpus[4] = {1, 1, 1, 1};
-    ASSERT_EQ(dkSmlGetCpuAffinity(0, 4, cpus), DK_SML_SUCCESS);  // node 0: 0-31,64-95
-    EXPECT_EQ(cpus[0], 0xFFFFFFFFu);
-    EXPECT_EQ(cpus[1], 0u);
-    EXPECT_EQ(cpus[2], 0xFFFFFFFFu);
-    EXPECT_EQ(cpus[3], 0u);
+    uint32_t cpus[2] = {1, 1};
     ASSERT_EQ(dkSmlGetCpuAffinity(3, 2, cpus), DK_SML_SUCCESS);  // node 1: 32-63 only fit
     EXPECT_EQ(cpus[0], 0u);
     EXPECT_EQ(cpus[1], 0xFFFFFFFFu);
     uint32_t nodes = 0;
-    ASSERT_EQ(dkSmlGetNodeAffinity(4, 1, &nodes), DK_SML_SUCCESS);
-    EXPECT_EQ(nodes, 0x2u);
     EXPECT_EQ(dkSmlGetCpuAffinity(0, 0, cpus), DK_SML_ERROR_INVALID_INPUT);
     EXPECT_EQ(dkSmlGetCpuAffinity(0, 1, nullptr), DK_SML_ERROR_INVALID_INPUT);
     EXPECT_EQ(dkSmlGetNodeAffinity(6, 1, &nodes), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);  // the limited DKK1
-}
-
-TEST(TopologyApi, SingleNumaHostFilesEveryGpuUnderNode0) {
-    auto host = MakeHost("workstation");
-    uint32_t cpus = 0, nodes = 0;
-    for (uint32_t device : {0u, 1u}) {
-        ASSERT_EQ(dkSmlGetCpuAffinity(device, 1, &cpus), DK_SML_SUCCESS);
-        EXPECT_EQ(cpus, 0x3u) << "junk tokens of \"0-1,x,,5-3\" are skipped";
-        ASSERT_EQ(dkSmlGetNodeAffinity(device, 1, &nodes), DK_SML_SUCCESS);
-        EXPECT_EQ(nodes, 0x1u);
-    }
-    DkSmlGpuTopologyLevel level;
-    ASSERT_EQ(dkSmlGetDeviceTopology(0, 1, &level), DK_SML_SUCCESS);
-    EXPECT_EQ(level, DK_SML_TOPOLOGY_NUMA_NODE);
 }
 
 // Records the CPU sets instead of pinning.
@@ -198,21 +162,13 @@ TEST(TopologyApi, PinnedThreadRunsOnlyOnTheGpusCpus) {
     }
 }
 
-TEST(TopologyApi, NetworkInterfaceRowsAndTheVirtualSwitch) {
+TEST(TopologyApi, NetworkInterfaceIndicesOutOfRange) {
     setenv("DK_SMI_NIC_VENDOR", "0x15b3", 1);
     auto host = MakeHost("workstation");
     unsetenv("DK_SMI_NIC_VENDOR");
     std::shared_ptr<DkTopology> topology = DkSystemManager::GetInstance().GetTopology();
     ASSERT_TRUE(topology);
-    ASSERT_EQ(topology->GetNiCount(), 1u);
     DkSmlGpuTopologyLevel level;
-    // The NIC's root port 0000:80:03.0 lists GPU 0's root port 0000:00:01.0.
-    ASSERT_EQ(topology->GetNiTopology(0, 0, &level), DK_SML_SUCCESS);
-    EXPECT_EQ(level, DK_SML_TOPOLOGY_HOST_BRIDGE);
-    ASSERT_EQ(topology->GetNiTopology(0, 1, &level), DK_SML_SUCCESS);
-    EXPECT_EQ(level, DK_SML_TOPOLOGY_SINGLE_SWITCH);
-    ASSERT_EQ(topology->GetNiTopology(0, 10000, &level), DK_SML_SUCCESS);
-    EXPECT_EQ(level, DK_SML_TOPOLOGY_SAME_DEVICE);
     EXPECT_EQ(topology->GetNiTopology(0, 10001, &level), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
     EXPECT_EQ(topology->GetNiTopology(1, 0, &level), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
     EXPECT_EQ(topology->GetNiTopology(0, 2, &level), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
