@@ -141,14 +141,16 @@ DkSmlReturn DkLinuxDriverDataHandler::SetData(unsigned int dieId, dravik_smi_opc
         const std::string& name = DkDriverInterfaceManager::GetDriverInterfaceRef(op);
         if (!dir.IsOpen()) return DK_SML_ERROR_NOT_SUPPORTED;
         return WriteFileTextAt(dir.Get(), name.empty() ? "." : name.c_str(), text,
-                               DkDriverInterfaceManager::CreatesOnWrite(op));
+                               DkDriverInterfaceManager::CreatesOnWrite(op),
+                           !DkDriverInterfaceManager::WritesVerbatim(op));
     }
     DkDirFd scratch;
     int dirFd = -1;
     char name[128];
     const DkSmlReturn resolved = Resolve(dieId, 0, op, scratch, dirFd, name);
     if (resolved != DK_SML_SUCCESS) return resolved;
-    return WriteFileTextAt(dirFd, name, text, DkDriverInterfaceManager::CreatesOnWrite(op));
+    return WriteFileTextAt(dirFd, name, text, DkDriverInterfaceManager::CreatesOnWrite(op),
+                           !DkDriverInterfaceManager::WritesVerbatim(op));
 }
 
 DkSmlReturn DkLinuxDriverDataHandler::SetIndexedData(unsigned int index, dravik_smi_opcode op,
@@ -159,7 +161,8 @@ DkSmlReturn DkLinuxDriverDataHandler::SetIndexedData(unsigned int index, dravik_
     char name[128];
     const DkSmlReturn resolved = Resolve(0, index, op, scratch, dirFd, name);
     if (resolved != DK_SML_SUCCESS) return resolved;
-    return WriteFileTextAt(dirFd, name, text, DkDriverInterfaceManager::CreatesOnWrite(op));
+    return WriteFileTextAt(dirFd, name, text, DkDriverInterfaceManager::CreatesOnWrite(op),
+                           !DkDriverInterfaceManager::WritesVerbatim(op));
 }
 
 // An absent directory answers DK_SML_ERROR_NOT_SUPPORTED, one that cannot be

@@ -223,8 +223,11 @@ constexpr dravik_smi_opcode c_createdOnWrite[] = {
     DRAVIK_SMI_DPMINTERVAL,           DRAVIK_SMI_SETPCIDELAY,           DRAVIK_SMI_SETPCISPEED,
     DRAVIK_SMI_SGPU_CREATE,           DRAVIK_SMI_SGPU_REMOVE,           DRAVIK_SMI_SGPU_SCHED_TIMESLICE,
     DRAVIK_SMI_SGPU_SCHED_CLASS,      DRAVIK_SMI_SGPU_SLICE_VRAM_QUOTA, DRAVIK_SMI_SGPU_SLICE_SCHED_QUOTA,
-    DRAVIK_SMI_SGPU_SLICE_ONLINE,
+    DRAVIK_SMI_SGPU_SLICE_ONLINE,     DRAVIK_SMI_SGPU_SLICE_ALIAS,
 };
+
+// Files whose whole content is the value: written without the newline.
+constexpr dravik_smi_opcode c_writtenVerbatim[] = {DRAVIK_SMI_SGPU_SLICE_ALIAS};
 
 const std::array<DkRequestPlace, c_driverInterfaceSlots>& PlaceTable() {
     static const std::array<DkRequestPlace, c_driverInterfaceSlots> table = [] {
@@ -246,6 +249,12 @@ DkRequestPlace DkDriverInterfaceManager::GetRequestPlace(dravik_smi_opcode op) {
 bool DkDriverInterfaceManager::CreatesOnWrite(dravik_smi_opcode op) {
     for (const dravik_smi_opcode created : c_createdOnWrite)
         if (created == op) return true;
+    return false;
+}
+
+bool DkDriverInterfaceManager::WritesVerbatim(dravik_smi_opcode op) {
+    for (const dravik_smi_opcode verbatim : c_writtenVerbatim)
+        if (verbatim == op) return true;
     return false;
 }
 

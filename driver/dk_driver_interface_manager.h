@@ -31,6 +31,8 @@ public:
     // wrote them with creation before they became requests; a driver
     // directory refuses the creation, so only a virtual host sees it).
     static bool CreatesOnWrite(dravik_smi_opcode op);
+    // Whether a write of `op` leaves out the trailing newline.
+    static bool WritesVerbatim(dravik_smi_opcode op);
 
     static const std::map<dravik_smi_opcode, std::string> m_driverInterfaceMap;
 };

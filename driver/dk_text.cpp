@@ -137,19 +137,20 @@ DkSmlReturn ReadFileText(const char* path, std::string& text) {
     return ReadOpenedFile(fd, text);
 }
 
-DkSmlReturn WriteFileTextAt(int dirFd, const char* name, std::string_view text, bool create) {
+DkSmlReturn WriteFileTextAt(int dirFd, const char* name, std::string_view text, bool create, bool newline) {
     if (name == nullptr) return DK_SML_ERROR_SYSFS;
     const int fd = ::openat(dirFd, name, O_WRONLY | O_TRUNC | O_NONBLOCK | O_CLOEXEC | O_NOCTTY | (create ? O_CREAT : 0),
                             0666);
     if (fd < 0) return OpenFailure(errno);
     // The value and its newline in one write: the driver parses each write on its own.
-    char newline = '\n';
-    iovec parts[2] = {{const_cast<char*>(text.data()), text.size()}, {&newline, 1}};
-    std::size_t left = text.size() + 1;
+    char end = '\n';
+    iovec parts[2] = {{const_cast<char*>(text.data()), text.size()}, {&end, 1}};
+    const int count = newline ? 2 : 1;
+    std::size_t left = text.size() + (newline ? 1 : 0);
     int first = 0;
     bool ok = true;
     while (left > 0) {
-        const ssize_t w = ::writev(fd, parts + first, 2 - first);
+        const ssize_t w = ::writev(fd, parts + first, count - first);
         if (w < 0 && errno == EINTR) continue;
         if (w <= 0) {
             ok = false;
@@ -157,8 +158,8 @@ DkSmlReturn WriteFileTextAt(int dirFd, const char* name, std::string_view text, 
         }
         std::size_t done = static_cast<std::size_t>(w);
         left -= done;
-        while (first < 2 && done >= parts[first].iov_len) done -= parts[first++].iov_len;
-        if (first < 2) {
+        while (first < count && done >= parts[first].iov_len) done -= parts[first++].iov_len;
+        if (first < count) {
             parts[first].iov_base = static_cast<char*>(parts[first].iov_base) + done;
             parts[first].iov_len -= done;
         }

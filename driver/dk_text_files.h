@@ -47,7 +47,10 @@ DkSmlReturn ReadFileTextAt(int dirFd, const char* name, std::string& text);
 // unopenable, DK_SML_ERROR_SYSFS_WRITE refused by the driver.
 // With `create`, an absent file is created (mode 0666 less the umask) as
 // WriteSysfs does; a driver directory refuses that with DK_SML_ERROR_SYSFS.
-DkSmlReturn WriteFileTextAt(int dirFd, const char* name, std::string_view text, bool create = false);
+// Without `newline` the text is written verbatim (a file whose whole content
+// is the value, such as a slice's alias).
+DkSmlReturn WriteFileTextAt(int dirFd, const char* name, std::string_view text, bool create = false,
+                            bool newline = true);
 
 // Opens `path` with truncation (DK_SML_ERROR_SYSFS when it cannot), writes the
 // values separated by one blank and followed by "\n" in a single write,

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "core/dk_file_text.h"
-#include "core/dk_host_root.h"
 #include "core/idk_device.h"
 #include "driver/dk_text.h"
 #include "features/process/dk_dir_list.h"
@@ -15,14 +14,6 @@
 
 namespace dksml {
 namespace {
-
-// A slice's alias file. The alias is the whole file, written verbatim; the
-// handler's writes always end in a newline, so this one write keeps its own path.
-std::string SliceAliasFile(IDkDevice* device, uint32_t sgpuId) {
-    std::string path = HostPath(device->GetDeviceDir());
-    path.append(c_sgpuDir).append("/").append(c_sgpuSlicePrefix).append(std::to_string(sgpuId)).append("/alias");
-    return path;
-}
 
 thread_local std::string t_text;
 
@@ -322,7 +313,7 @@ DkSmlReturn DkSliceGpu::SetSgpuAlias(IDkDevice* device, uint32_t sgpuId, const c
     if (device == nullptr || alias == nullptr) return DK_SML_ERROR_INVALID_INPUT;
     const DkSmlReturn result = CheckSgpuMode(device);
     if (result != DK_SML_SUCCESS) return result;
-    return detail::WriteWholeFile(SliceAliasFile(device, sgpuId), alias);
+    return WriteFailureAsSysfs(device->SetIndexedDriverData(sgpuId, DRAVIK_SMI_SGPU_SLICE_ALIAS, alias));
 }
 
 // The id is the text after the first "id=" of the first line that has one,

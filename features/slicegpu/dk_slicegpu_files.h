@@ -10,7 +10,6 @@ namespace dksml {
 
 inline constexpr std::string_view c_sgpuModeOn = "sgpu";
 inline constexpr std::string_view c_sgpuModeOff = "native";
-inline constexpr std::string_view c_sgpuDir = "/sgpu";
 inline constexpr std::string_view c_sgpuSlicePrefix = "sgpu";
 
 // The driver divides a GPU into at most this many slices.

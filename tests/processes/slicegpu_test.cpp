@@ -108,6 +108,7 @@ TEST_F(SlicesHost, AliasAndAnnotationIdFollowTheTextRule) {
     EXPECT_EQ(dkSmlGetSgpuAlias(c_sliceDevice, 0, text, &size), DK_SML_ERROR_INSUFFICIENT_SIZE);
     EXPECT_EQ(size, 9u);
     ASSERT_EQ(dkSmlSetSgpuAlias(c_sliceDevice, 1, "batch"), DK_SML_SUCCESS);
+    EXPECT_EQ(host->ReadFile(SgpuFile("sgpu1/alias")), "batch");  // the whole file, no newline
     size = sizeof text;
     ASSERT_EQ(dkSmlGetSgpuAlias(c_sliceDevice, 1, text, &size), DK_SML_SUCCESS);
     EXPECT_STREQ(text, "batch");
