@@ -1,9 +1,13 @@
 // Line access: a cursor over attribute text, the value extractors that pick
-// the value part of one line, and trimming. Everything here works on views
-// into text the caller owns; nothing allocates or fails with a status.
+// the value part of one line, trimming and a "key: value" line walk.
+// Everything here works on views into text the caller owns and allocates
+// nothing; only the line walk answers a status.
 #pragma once
 
+#include <cstddef>
 #include <string_view>
+
+#include "dksml.h"
 
 namespace dksml {
 
@@ -41,5 +45,22 @@ std::string_view ExtractValueStrByColon(std::string_view line);
 
 // `text` without leading and trailing characters of `set`; a view into `text`.
 std::string_view TrimView(std::string_view text, std::string_view set = c_kvTrimSet);
+
+// Walks "key: value" lines, skipping blank ones: `visit(key, value)` gets the
+// key trimmed of blanks and tabs and the raw text after the first ':';
+// returning true stops the walk. DK_SML_ERROR_SYSFS when a non-blank line has
+// no colon (the record is not what the driver prints), else DK_SML_SUCCESS.
+template <typename Visit>
+DkSmlReturn VisitColonLines(std::string_view text, Visit&& visit) {
+    DkTextLines lines(text);
+    std::string_view line;
+    while (lines.Next(line)) {
+        if (TrimView(line, " \t\r").empty()) continue;
+        const std::size_t colon = line.find(':');
+        if (colon == std::string_view::npos) return DK_SML_ERROR_SYSFS;
+        if (visit(TrimView(line.substr(0, colon)), line.substr(colon + 1))) break;
+    }
+    return DK_SML_SUCCESS;
+}
 
 }  // namespace dksml

@@ -21,17 +21,16 @@ constexpr std::string_view c_notSupported = "not support";
 // line has it, DK_SML_ERROR_SYSFS when a non-empty line has no colon or the
 // value is empty.
 DkSmlReturn FindEepromValue(std::string_view text, std::string_view key, std::string_view& value) {
-    DkTextLines lines(text);
-    std::string_view line;
-    while (lines.Next(line)) {
-        if (TrimView(line, " \t\r").empty()) continue;
-        const std::size_t colon = line.find(':');
-        if (colon == std::string_view::npos) return DK_SML_ERROR_SYSFS;
-        if (TrimView(line.substr(0, colon), " \t") != key) continue;
-        value = TrimView(line.substr(colon + 1), " \t\r");
-        return value.empty() ? DK_SML_ERROR_SYSFS : DK_SML_SUCCESS;
-    }
-    return DK_SML_ERROR_NOT_SUPPORTED;
+    bool found = false;
+    const DkSmlReturn walked = VisitColonLines(text, [&](std::string_view lineKey, std::string_view rest) {
+        if (lineKey != key) return false;
+        value = TrimView(rest, " \t\r");
+        found = true;
+        return true;
+    });
+    if (walked != DK_SML_SUCCESS) return walked;
+    if (!found) return DK_SML_ERROR_NOT_SUPPORTED;
+    return value.empty() ? DK_SML_ERROR_SYSFS : DK_SML_SUCCESS;
 }
 
 // The text-result rule: *size becomes the length + 1; the text is copied only

@@ -29,15 +29,9 @@ constexpr DkFwField c_fwFields[] = {
 // Walks "KEY: value" lines; `visit(key, value)` returns true to stop.
 template <typename Visit>
 DkSmlReturn ForEachFirmwareLine(std::string_view text, Visit&& visit) {
-    DkTextLines lines(text);
-    std::string_view line;
-    while (lines.Next(line)) {
-        if (TrimView(line, " \t\r").empty()) continue;
-        const std::size_t colon = line.find(':');
-        if (colon == std::string_view::npos) return DK_SML_ERROR_SYSFS;
-        if (visit(TrimView(line.substr(0, colon)), VersionValue(line.substr(colon + 1)))) break;
-    }
-    return DK_SML_SUCCESS;
+    return VisitColonLines(text, [&](std::string_view key, std::string_view rest) {
+        return visit(key, VersionValue(rest));
+    });
 }
 
 }  // namespace
