@@ -60,6 +60,7 @@ bool FormatName(std::string_view pattern, unsigned int index, char (&name)[128])
     if (head.size() + number.size() + tail.size() >= sizeof name) return false;
     char* out = name;
     for (const std::string_view part : {head, number, tail}) {
+        if (part.empty()) continue;  // an empty view may hold no pointer
         std::memcpy(out, part.data(), part.size());
         out += part.size();
     }
