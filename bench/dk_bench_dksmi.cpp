@@ -147,13 +147,8 @@ public:
     RecordedFloor& operator=(const RecordedFloor&) = delete;
 
     void Read() const {
+        dksml::bench::ReadEachOnce(m_files);
         char buf[8192];
-        for (const auto& [dir, name] : m_files) {
-            const int fd = ::openat(dir, name.c_str(), O_RDONLY | O_CLOEXEC);
-            if (fd < 0) continue;
-            benchmark::DoNotOptimize(::read(fd, buf, sizeof buf));
-            ::close(fd);
-        }
         for (const std::string& listing : m_listings) {
             const int fd = ::openat(m_root, listing.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
             if (fd < 0) continue;

@@ -26,6 +26,17 @@ namespace dksml::bench {
 // dk_bench_alloc.cpp).
 uint64_t AllocationCount();
 
+// open, one read, close of each (directory descriptor, file name).
+inline void ReadEachOnce(const std::vector<std::pair<int, std::string>>& files) {
+    char buf[8192];
+    for (const auto& [dir, name] : files) {
+        const int fd = ::openat(dir, name.c_str(), O_RDONLY | O_CLOEXEC);
+        if (fd < 0) continue;
+        benchmark::DoNotOptimize(::read(fd, buf, sizeof buf));
+        ::close(fd);
+    }
+}
+
 // The files of one floor: each opened relative to a directory descriptor.
 class DkFloorFiles {
 public:
@@ -45,15 +56,7 @@ public:
     }
 
     // open, one read, close of every file.
-    void Read() const {
-        char buf[8192];
-        for (const auto& [dir, name] : m_files) {
-            const int fd = ::openat(dir, name.c_str(), O_RDONLY | O_CLOEXEC);
-            if (fd < 0) continue;
-            benchmark::DoNotOptimize(::read(fd, buf, sizeof buf));
-            ::close(fd);
-        }
-    }
+    void Read() const { ReadEachOnce(m_files); }
 
     int Root() const { return m_root; }
 

@@ -103,12 +103,9 @@ DkSmlReturn DkLinuxDriverDataHandler::FetchData(unsigned int dieId, dravik_smi_o
         return FetchAt(dir, name, text);
     }
     const auto read = [&](std::string& out) {
-        DkDirFd scratch;
-        int dirFd = -1;
-        char name[128];
-        const DkSmlReturn resolved = Resolve(dieId, 0, op, scratch, dirFd, name);
-        if (resolved != DK_SML_SUCCESS) return resolved;
-        return ReadFileTextAt(dirFd, name, out);
+        RequestFile file;
+        const DkSmlReturn resolved = Resolve(dieId, 0, op, file);
+        return resolved != DK_SML_SUCCESS ? resolved : ReadFileTextAt(file.dirFd, file.name, out);
     };
     // Records outside the die directories do not depend on the die.
     if (session != nullptr) return session->Fetch(m_dirs, 0, op, text, read);
@@ -116,22 +113,16 @@ DkSmlReturn DkLinuxDriverDataHandler::FetchData(unsigned int dieId, dravik_smi_o
 }
 
 DkSmlReturn DkLinuxDriverDataHandler::FetchIndexedData(unsigned int index, dravik_smi_opcode op, std::string& text) {
-    DkDirFd scratch;
-    int dirFd = -1;
-    char name[128];
-    const DkSmlReturn resolved = Resolve(0, index, op, scratch, dirFd, name);
-    if (resolved != DK_SML_SUCCESS) return resolved;
-    return ReadFileTextAt(dirFd, name, text);
+    RequestFile file;
+    const DkSmlReturn resolved = Resolve(0, index, op, file);
+    return resolved != DK_SML_SUCCESS ? resolved : ReadFileTextAt(file.dirFd, file.name, text);
 }
 
 DkSmlReturn DkLinuxDriverDataHandler::ListData(unsigned int index, dravik_smi_opcode op,
                                                std::vector<std::string>& names) {
-    DkDirFd scratch;
-    int dirFd = -1;
-    char name[128];
-    const DkSmlReturn resolved = Resolve(0, index, op, scratch, dirFd, name);
-    if (resolved != DK_SML_SUCCESS) return resolved;
-    return ListDirectoryAt(dirFd, name, names);
+    RequestFile file;
+    const DkSmlReturn resolved = Resolve(0, index, op, file);
+    return resolved != DK_SML_SUCCESS ? resolved : ListDirectoryAt(file.dirFd, file.name, names);
 }
 
 DkSmlReturn DkLinuxDriverDataHandler::SetData(unsigned int dieId, dravik_smi_opcode op, const std::string& text) {
@@ -143,26 +134,23 @@ DkSmlReturn DkLinuxDriverDataHandler::SetData(unsigned int dieId, dravik_smi_opc
         if (!dir.IsOpen()) return DK_SML_ERROR_NOT_SUPPORTED;
         return WriteFileTextAt(dir.Get(), name.empty() ? "." : name.c_str(), text,
                                DkDriverInterfaceManager::CreatesOnWrite(op),
-                           !DkDriverInterfaceManager::WritesVerbatim(op));
+                               !DkDriverInterfaceManager::WritesVerbatim(op));
     }
-    DkDirFd scratch;
-    int dirFd = -1;
-    char name[128];
-    const DkSmlReturn resolved = Resolve(dieId, 0, op, scratch, dirFd, name);
-    if (resolved != DK_SML_SUCCESS) return resolved;
-    return WriteFileTextAt(dirFd, name, text, DkDriverInterfaceManager::CreatesOnWrite(op),
-                           !DkDriverInterfaceManager::WritesVerbatim(op));
+    return WriteRequest(dieId, 0, op, text);
 }
 
 DkSmlReturn DkLinuxDriverDataHandler::SetIndexedData(unsigned int index, dravik_smi_opcode op,
                                                      const std::string& text) {
     DkReadSession::ForgetCurrent();
-    DkDirFd scratch;
-    int dirFd = -1;
-    char name[128];
-    const DkSmlReturn resolved = Resolve(0, index, op, scratch, dirFd, name);
+    return WriteRequest(0, index, op, text);
+}
+
+DkSmlReturn DkLinuxDriverDataHandler::WriteRequest(unsigned int dieId, unsigned int index, dravik_smi_opcode op,
+                                                   const std::string& text) {
+    RequestFile file;
+    const DkSmlReturn resolved = Resolve(dieId, index, op, file);
     if (resolved != DK_SML_SUCCESS) return resolved;
-    return WriteFileTextAt(dirFd, name, text, DkDriverInterfaceManager::CreatesOnWrite(op),
+    return WriteFileTextAt(file.dirFd, file.name, text, DkDriverInterfaceManager::CreatesOnWrite(op),
                            !DkDriverInterfaceManager::WritesVerbatim(op));
 }
 
@@ -170,8 +158,9 @@ DkSmlReturn DkLinuxDriverDataHandler::SetIndexedData(unsigned int index, dravik_
 // opened DK_SML_ERROR_SYSFS, as for the file itself. An empty name addresses
 // the directory ("."), which is never readable as text.
 DkSmlReturn DkLinuxDriverDataHandler::Resolve(unsigned int dieId, unsigned int index, dravik_smi_opcode op,
-                                              DkDirFd& scratch, int& dirFd, char (&name)[128]) const {
+                                              RequestFile& file) const {
     if (!m_dirs) return DK_SML_ERROR_NOT_SUPPORTED;
+    DkDirFd& scratch = file.scratch;
     const DkDirFd* dir = &scratch;
     switch (DkDriverInterfaceManager::GetRequestPlace(op)) {
         case DkRequestPlace::Smi: dir = dieId == 0 ? &m_dirs->smi0 : &m_dirs->smi1; break;
@@ -186,8 +175,8 @@ DkSmlReturn DkLinuxDriverDataHandler::Resolve(unsigned int dieId, unsigned int i
     }
     if (!dir->IsOpen()) return dir->OpenErrno() == ENOENT || dir->OpenErrno() == ENOTDIR ? DK_SML_ERROR_NOT_SUPPORTED
                                                                                           : DK_SML_ERROR_SYSFS;
-    if (!FormatName(DkDriverInterfaceManager::GetDriverInterfaceRef(op), index, name)) return DK_SML_ERROR_SYSFS;
-    dirFd = dir->Get();
+    if (!FormatName(DkDriverInterfaceManager::GetDriverInterfaceRef(op), index, file.name)) return DK_SML_ERROR_SYSFS;
+    file.dirFd = dir->Get();
     return DK_SML_SUCCESS;
 }
 

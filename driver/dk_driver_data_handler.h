@@ -87,10 +87,16 @@ public:
 private:
     std::string RegisterDumpPath() const;
     std::string DebugDir() const;
-    // The directory and file name a request addresses; `scratch` holds a
-    // directory opened for this access and `name` the formatted name.
-    DkSmlReturn Resolve(unsigned int dieId, unsigned int index, dravik_smi_opcode op, DkDirFd& scratch,
-                        int& dirFd, char (&name)[128]) const;
+    // The directory and file name a request addresses: `scratch` holds a
+    // directory opened for this access only, `name` the formatted name.
+    struct RequestFile {
+        DkDirFd scratch;
+        int dirFd = -1;
+        char name[128];
+    };
+    DkSmlReturn Resolve(unsigned int dieId, unsigned int index, dravik_smi_opcode op, RequestFile& file) const;
+    // Writes `text` to the request's file by the table's create and newline rules.
+    DkSmlReturn WriteRequest(unsigned int dieId, unsigned int index, dravik_smi_opcode op, const std::string& text);
 
     // The device's directory descriptors (or ones opened from the paths it
     // reports, for devices that keep none): every request is one openat.

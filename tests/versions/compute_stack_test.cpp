@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 
 #include <nlohmann/json.hpp>
 
 #include "api/api_host.h"
+#include "driver/dk_read_session.h"
 
 namespace dksml::test {
 namespace {
@@ -67,6 +69,25 @@ TEST(ComputeStackPathTest, VornPathOverridesTheDefault) {
     EXPECT_EQ(dkSmlGetVornVersion(text, &size), DK_SML_SUCCESS);
     EXPECT_STREQ(text, "2.3.5.17");
     ::unsetenv("VORN_PATH");
+}
+
+// Within a read session the stack's answer is kept: a library removed after
+// the first ask is not looked for again until the session ends.
+TEST(ComputeStackPathTest, ReadSessionLoadsTheStackOncePerSession) {
+    ::unsetenv("VORN_PATH");
+    vhost::ScopedHost host("server");
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    DkSmlVersion version{};
+    {
+        DkReadSession session;
+        ASSERT_EQ(dkSmlGetDeviceDieVersion(0, 0, &version), DK_SML_SUCCESS);
+        EXPECT_STREQ(version.vornVersion, "2.3.5.17");
+        std::filesystem::remove(host.Root() / "opt/vorn/lib/libvrruntime.so");
+        version = {};
+        ASSERT_EQ(dkSmlGetDeviceDieVersion(0, 0, &version), DK_SML_SUCCESS);
+        EXPECT_STREQ(version.vornVersion, "2.3.5.17");
+    }
+    EXPECT_EQ(dkSmlGetDeviceDieVersion(0, 0, &version), DK_SML_ERROR_LOAD_LIBRARY);
 }
 
 }  // namespace
