@@ -81,15 +81,21 @@ void FillReason(DkSmlDeviceUnavailableReasonInfo* info, uint32_t reason, const c
 DkDevice::DkDevice(std::string searchPath, std::shared_ptr<const DkHostRoot> root)
     : m_root(root ? std::move(root) : CurrentHostRoot()), m_searchPath(std::move(searchPath)) {}
 
+void DkDevice::AdoptDirectories(DkDiscoveredDirs&& dirs) { m_adopted = std::move(dirs); }
+
 void DkDevice::OpenDirectories() {
     auto dirs = std::make_shared<DkDeviceDirs>();
     dirs->root = m_root;
-    dirs->function = m_root->OpenDir(m_deviceDir);
+    const bool adoptedFunction = m_adopted.function.IsOpen();
+    dirs->function = adoptedFunction ? std::move(m_adopted.function) : m_root->OpenDir(m_deviceDir);
     // The die directories through the function's own: one lookup each instead
     // of the whole path and the bus link again.
-    dirs->smi0 = dirs->function.OpenSubdir("smi");
+    dirs->smi0 = adoptedFunction && m_adopted.smi0.IsOpen() ? std::move(m_adopted.smi0)
+                                                             : dirs->function.OpenSubdir("smi");
     dirs->smi1 = dirs->function.OpenSubdir("smi1");
-    if (!m_nodePath.empty()) dirs->node = m_root->OpenDir(m_nodePath);
+    if (!m_nodePath.empty())
+        dirs->node = m_adopted.node.IsOpen() ? std::move(m_adopted.node) : m_root->OpenDir(m_nodePath);
+    m_adopted = DkDiscoveredDirs{};
     m_dirs = std::move(dirs);
 }
 

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "core/dk_discovered_dirs.h"
 #include "core/dk_host_root.h"
 #include "core/idk_device.h"
 
@@ -105,6 +106,10 @@ public:
     void SetPfAncestor(std::weak_ptr<IDkDevice> pf, uint32_t vfIndex);
     // The layout node's "ap_mask" property (available compute units).
     void SetApMask(uint64_t apMask);
+    // Directories discovery opened already; the next opening of the
+    // device's directories uses those that are open instead of opening them
+    // again from the root.
+    void AdoptDirectories(DkDiscoveredDirs&& dirs);
 
 private:
     void SetDeviceName();
@@ -115,6 +120,7 @@ private:
 
     std::shared_ptr<const DkHostRoot> m_root;
     std::shared_ptr<const DkDeviceDirs> m_dirs;  // shared with the handler
+    DkDiscoveredDirs m_adopted;                   // until OpenDirectories takes them
     std::string m_searchPath;
     std::string m_deviceDir;       // host path: search path + "/" + bus id
     DkSysInfo m_sysInfo;

@@ -1,10 +1,13 @@
 // The PCI scan: every function under the search path becomes a device, a
 // limited device, a network interface or nothing.
+#include <cstdio>
 #include <cstdlib>
 #include <dirent.h>
 #include <string_view>
+#include <utility>
 
 #include "core/dk_device.h"
+#include "core/dk_discovered_dirs.h"
 #include "core/dk_discovery_ni.h"
 #include "core/dk_driver_data_handler_factory.h"
 #include "core/dk_host_root.h"
@@ -18,14 +21,23 @@ namespace dksml {
 namespace {
 
 constexpr uint32_t c_lastPfIndex = 99;
-// A device answers through its driver only when these open and hold a line.
-constexpr const char* c_accessProbeFiles[] = {"smi/pcipowerstate", "smi/showvendorid"};
+// A device answers through its driver only when these open and hold a line
+// (files of its "smi/" directory).
+constexpr const char* c_accessProbeFiles[] = {"pcipowerstate", "showvendorid"};
 
-// A file that opens and holds a line, read through this thread's scratch
-// text; `status` is the read's own status.
-bool CheckIsSysfsAccessible(const DkPciEntry& entry, const char* file, DkSmlReturn& status) {
+// A probe file that opens and holds a line, read through this thread's
+// scratch text; `status` is the read's own status. Read through the "smi/"
+// descriptor when it opened; else by the path below the function, so that a
+// missing or unopenable "smi/" gives the status that path gives.
+bool CheckIsSysfsAccessible(const DkDirFd& smi, const DkPciEntry& function, const char* file, DkSmlReturn& status) {
     thread_local std::string text;
-    status = ReadFileTextAt(entry.dirFd, entry.File(file).c_str(), text);
+    if (smi.IsOpen()) {
+        status = ReadFileTextAt(smi.Get(), file, text);
+    } else {
+        char name[64];
+        std::snprintf(name, sizeof name, "smi/%s", file);
+        status = ReadFileTextAt(function.dirFd, function.File(name).c_str(), text);
+    }
     if (status != DK_SML_SUCCESS) return false;
     DkTextLines lines(text);
     std::string_view line;
@@ -34,10 +46,10 @@ bool CheckIsSysfsAccessible(const DkPciEntry& entry, const char* file, DkSmlRetu
 
 // The first probe is "pcipowerstate": its status is handed on so that the
 // reason of a limited device needs no second look at it.
-bool CheckIsDeviceAccessible(const DkPciEntry& entry, DkSmlReturn& powerState) {
+bool CheckIsDeviceAccessible(const DkDirFd& smi, const DkPciEntry& function, DkSmlReturn& powerState) {
     DkSmlReturn status = DK_SML_SUCCESS;
     for (const char* file : c_accessProbeFiles) {
-        const bool accessible = CheckIsSysfsAccessible(entry, file, status);
+        const bool accessible = CheckIsSysfsAccessible(smi, function, file, status);
         if (file == c_accessProbeFiles[0]) powerState = status;
         if (!accessible) return false;
     }
@@ -73,30 +85,34 @@ void DkSystemManager::DiscoverDkDevices(const std::string& searchPath) {
 void DkSystemManager::ScanPciEntry(const std::string& searchPath, const DkPciEntry& entry, uint32_t nicVendorId,
                                    std::vector<DkLimitedDeviceInfo>& limited) {
     DkSysInfo info;
-    if (!GetDkDeviceInfo(entry, searchPath, info)) {
+    DkDiscoveredDirs dirs;
+    if (!GetDkDeviceInfo(entry, searchPath, info, &dirs.function)) {
         if (CheckIsTargetNi(entry, info.vendorId, nicVendorId))
             ParseTargetNiNodeInfo(searchPath + "/" + std::string(entry.name), std::string(entry.name));
         return;
     }
+    // The function's files through its own directory when it opened.
+    const DkPciEntry function = dirs.function.IsOpen() ? DkPciEntry{dirs.function.Get(), {}} : entry;
     info.bdfId = entry.name;
-    const std::string deviceDir = searchPath + "/" + info.bdfId;
-    if (CheckIsInfinibandEnabled(entry)) ParseTargetNiNodeInfo(deviceDir, info.bdfId);
+    if (CheckIsInfinibandEnabled(function)) ParseTargetNiNodeInfo(searchPath + "/" + info.bdfId, info.bdfId);
+    dirs.smi0 = dirs.function.OpenSubdir("smi");
     DkSmlReturn powerState = DK_SML_SUCCESS;
-    if (!CheckIsDeviceAccessible(entry, powerState) || (!info.isVf && m_state->gpuNodeMap.count(info.bdfId) == 0)) {
+    if (!CheckIsDeviceAccessible(dirs.smi0, function, powerState) ||
+        (!info.isVf && m_state->gpuNodeMap.count(info.bdfId) == 0)) {
         AppendLimitedDevice(info, powerState, limited);
         return;
     }
-    CreateDevice(searchPath, info);
+    CreateDevice(searchPath, info, std::move(dirs));
 }
 
-void DkSystemManager::CreateDevice(const std::string& searchPath, const DkSysInfo& info) {
+void DkSystemManager::CreateDevice(const std::string& searchPath, const DkSysInfo& info, DkDiscoveredDirs&& dirs) {
     State& s = *m_state;
     std::shared_ptr<IDkDevice> device = m_deviceFactory->CreateNewDevice(searchPath);
     if (!device) return;
     uint32_t index = AssignDeviceIdForNewDevice(info.isVf);
     device->SetDeviceId(index);
     if (!info.isVf) s.gpuNodeMap[info.bdfId].deviceIndex = index;
-    SetDeviceAttribute(*device, info);
+    SetDeviceAttribute(*device, info, std::move(dirs));
     s.devices[index] = device;
     s.bdfToDeviceIndex[info.bdfId] = index;
     if (!info.isVf) ++s.availableDeviceCount;
@@ -107,21 +123,26 @@ uint32_t DkSystemManager::AssignDeviceIdForNewDevice(bool isVf) {
     return isVf ? m_state->nextVfIndex++ : m_state->nextPfIndex++;
 }
 
-// Layout-node identity first: the handler copies the node path when it is attached.
-void DkSystemManager::SetDeviceAttribute(IDkDevice& device, const DkSysInfo& info) const {
+// Layout-node identity first: the handler copies the node path when it is
+// attached. The device adopts the directories the scan opened and the node's
+// directory the layout pass opened.
+void DkSystemManager::SetDeviceAttribute(IDkDevice& device, const DkSysInfo& info, DkDiscoveredDirs&& dirs) {
     const State& s = *m_state;
+    auto* dkDevice = dynamic_cast<DkDevice*>(&device);
     auto node = s.gpuNodeMap.find(info.bdfId);
     if (node != s.gpuNodeMap.end()) {
         device.SetDeviceGpuId(node->second.gpuId);
         device.SetDeviceNodeId(node->second.nodeId);
         device.SetDeviceUuid(node->second.uuid);
         device.SetDeviceNodePath(s.layoutPath + std::to_string(node->second.nodeId));
-        if (auto* dkDevice = dynamic_cast<DkDevice*>(&device)) {
+        if (dkDevice != nullptr) {
             dkDevice->SetApMask(node->second.apMask);
             auto secondDie = s.secondDieGpuIds.find(info.bdfId);
             if (secondDie != s.secondDieGpuIds.end()) dkDevice->SetSecondDieGpuId(secondDie->second);
+            dirs.node = TakeNodeDir(node->second.nodeId);
         }
     }
+    if (dkDevice != nullptr) dkDevice->AdoptDirectories(std::move(dirs));
     device.SetAttributeWithHandler(info, DkDriverDataHandlerFactory::CreateDriverDataHandler());
 }
 

@@ -1,6 +1,9 @@
 // Which PCI functions are the maker's GPUs: the accepted vendor ids and the
 // identity files of one PCI function.
+#include <fcntl.h>
 #include <unistd.h>
+
+#include <cerrno>
 
 #include <string_view>
 
@@ -53,9 +56,12 @@ void DkSystemManager::InitVendorId() {
 // Identity of the PCI function `entry` (every file is read relative to the
 // scan's directory, so the search path itself is not needed).
 // False when it is no GPU function that the library serves; `info` then
-// still carries its ids.
+// still carries its ids. With `functionDir`, the function's own directory is
+// opened once the vendor is accepted and the other files are read through
+// it: "device" instead of "<bus id>/device", so the bus link is followed
+// once rather than per file. The caller keeps it (a device adopts it).
 bool DkSystemManager::GetDkDeviceInfo(const DkPciEntry& entry, const std::string& /*searchPath*/,
-                                      DkSysInfo& info) const {
+                                      DkSysInfo& info, DkDirFd* functionDir) const {
     // The vendor decides first: most PCI functions of a host are not GPUs,
     // and their other id files are never needed.
     info.vendorId = ReadIdFile(entry, "vendor");
@@ -66,18 +72,24 @@ bool DkSystemManager::GetDkDeviceInfo(const DkPciEntry& entry, const std::string
         info.deviceId = c_noDevice;
         return false;
     }
-    info.deviceId = ReadIdFile(entry, "device");
+    DkPciEntry function = entry;
+    if (functionDir != nullptr) {
+        const int fd = ::openat(entry.dirFd, entry.Self().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+        *functionDir = DkDirFd(fd, fd < 0 ? errno : 0);
+        if (fd >= 0) function = DkPciEntry{fd, {}};
+    }
+    info.deviceId = ReadIdFile(function, "device");
     const bool served = accepted.count(info.vendorId) != 0 || (oemCandidate && info.deviceId == c_oemDeviceId);
     if (!served || info.deviceId == 0) {
         info.deviceId = c_noDevice;
         return false;
     }
-    info.subsystemVendorId = ReadIdFile(entry, "subsystem_vendor");
-    info.subsystemDeviceId = ReadIdFile(entry, "subsystem_device");
+    info.subsystemVendorId = ReadIdFile(function, "subsystem_vendor");
+    info.subsystemDeviceId = ReadIdFile(function, "subsystem_device");
     // The "driver" link names the bound driver in its last component: one
     // readlinkat relative to the scan's directory. No link, no driver.
     char driver[4096];
-    const ssize_t length = ::readlinkat(entry.dirFd, entry.File("driver").c_str(), driver, sizeof driver);
+    const ssize_t length = ::readlinkat(function.dirFd, function.File("driver").c_str(), driver, sizeof driver);
     info.isVf = length > 0 && static_cast<std::size_t>(length) < sizeof driver &&
                 std::string_view(driver, static_cast<std::size_t>(length)).find(c_vfDriverName) != std::string_view::npos;
     return true;

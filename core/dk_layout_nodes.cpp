@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -54,11 +55,24 @@ bool SplitKeyValue(std::string_view line, std::string_view& key, std::string_vie
 
 }  // namespace
 
-// The files of the layout nodes, each opened relative to the layout
-// directory ("N/gpu_id") into one scratch text.
+// The files of the layout nodes, read into one scratch text: those of the
+// node entered last through its own directory ("gpu_id"), others relative to
+// the layout directory ("N/gpu_id").
 class DkLayoutReader {
 public:
     explicit DkLayoutReader(int layoutFd) : m_layoutFd(layoutFd) {}
+
+    // Opens node `nodeId`'s directory; its files are then one lookup each,
+    // and a device adopts the directory instead of opening it from the root.
+    void EnterNode(uint32_t nodeId) {
+        char name[16];
+        std::snprintf(name, sizeof name, "%u", nodeId);
+        const int fd = ::openat(m_layoutFd, name, O_PATH | O_DIRECTORY | O_CLOEXEC);
+        m_nodeDir = DkDirFd(fd, fd < 0 ? errno : 0);
+        m_nodeDirId = nodeId;
+    }
+    // The entered node's directory, moved out (not open when it did not open).
+    DkDirFd TakeNodeDir() { return std::move(m_nodeDir); }
 
     // The whole file; false when it cannot be read.
     bool Text(uint32_t nodeId, const char* file, std::string_view& text) {
@@ -106,12 +120,15 @@ public:
 
 private:
     DkSmlReturn Read(uint32_t nodeId, const char* file) {
+        if (m_nodeDir.IsOpen() && nodeId == m_nodeDirId) return ReadFileTextAt(m_nodeDir.Get(), file, m_scratch);
         char name[64];
         std::snprintf(name, sizeof name, "%u/%s", nodeId, file);
         return ReadFileTextAt(m_layoutFd, name, m_scratch);
     }
 
     int m_layoutFd;
+    DkDirFd m_nodeDir;
+    uint32_t m_nodeDirId = 0;
     bool m_gidAbsent = false;
     std::string m_scratch;
 };
@@ -151,7 +168,10 @@ void DkSystemManager::ParseLayoutNodeInfo() {
     const DkDirFd layoutDir = CurrentHostRoot()->OpenDir(s.layoutPath);
     if (!layoutDir.IsOpen()) return;
     DkLayoutReader reader(layoutDir.Get());
-    for (uint32_t nodeId : ListNumberedEntries(layoutDir.Get())) {
+    const std::vector<uint32_t> nodeIds = ListNumberedEntries(layoutDir.Get());
+    m_nodeDirs.reserve(nodeIds.size());
+    for (uint32_t nodeId : nodeIds) {
+        reader.EnterNode(nodeId);
         const uint32_t gpuId = reader.GpuId(nodeId);
         // The type is read once and handed on: a GPU node needs it too.
         const std::string type(reader.FirstLine(nodeId, "type"));
@@ -186,6 +206,15 @@ void DkSystemManager::ParseGpuNode(DkLayoutReader& reader, uint32_t nodeId, uint
     reader.Number(nodeId, "active", node.active);
     node.uuid = reader.FirstLine(nodeId, "unique_id");
     s.gpuNodeMap.emplace(node.bdfId, std::move(node));
+    m_nodeDirs.emplace_back(nodeId, reader.TakeNodeDir());
+}
+
+// Nodes were entered in ascending order, so the list is sorted by node id.
+DkDirFd DkSystemManager::TakeNodeDir(uint32_t nodeId) {
+    auto it = std::lower_bound(m_nodeDirs.begin(), m_nodeDirs.end(), nodeId,
+                               [](const std::pair<uint32_t, DkDirFd>& entry, uint32_t id) { return entry.first < id; });
+    if (it == m_nodeDirs.end() || it->first != nodeId) return {};
+    return std::move(it->second);
 }
 
 }  // namespace dksml

@@ -102,6 +102,7 @@ DkSmlReturn DkSystemManager::Initialize(const std::string& searchPath, std::uniq
     // Out of memory in the middle of a pass: publish nothing half-built; an
     // empty state (still holding the directories given) replaces it.
     if (failed) StartPass();
+    m_nodeDirs.clear();  // nodes no device adopted
     Publish(std::shared_ptr<const State>(std::move(m_state)));
     return result;
 }
@@ -112,6 +113,7 @@ DkSmlReturn DkSystemManager::Initialize(const std::string& searchPath, std::uniq
 void DkSystemManager::StartPass() {
     std::shared_ptr<const State> previous = Published();
     m_state = std::make_unique<State>();
+    m_nodeDirs.clear();
     State& s = *m_state;
     s.generation = ++m_generation;
     s.dkcdPathGiven = previous->dkcdPathGiven;

@@ -25,10 +25,12 @@
 #include "core/dk_sys_utils.h"
 #include "core/idk_device.h"
 #include "dksml.h"
+#include "driver/dk_dir_fd.h"
 
 namespace dksml {
 
 class DkDevice;
+struct DkDiscoveredDirs;
 class DkLayoutReader;
 struct DkPciEntry;
 class DkTopology;
@@ -228,7 +230,8 @@ private:
     void AssignHandles();
     void ChooseDriverDirectories();
     void InitVendorId();
-    bool GetDkDeviceInfo(const DkPciEntry& entry, const std::string& searchPath, DkSysInfo& info) const;
+    bool GetDkDeviceInfo(const DkPciEntry& entry, const std::string& searchPath, DkSysInfo& info,
+                         DkDirFd* functionDir = nullptr) const;
 
     // Layout nodes.
     void ParseLayoutNodeInfo();
@@ -238,9 +241,12 @@ private:
     void DiscoverDkDevices(const std::string& searchPath);
     void ScanPciEntry(const std::string& searchPath, const DkPciEntry& entry, uint32_t nicVendorId,
                       std::vector<DkLimitedDeviceInfo>& limited);
-    void CreateDevice(const std::string& searchPath, const DkSysInfo& info);
+    void CreateDevice(const std::string& searchPath, const DkSysInfo& info, DkDiscoveredDirs&& dirs);
     uint32_t AssignDeviceIdForNewDevice(bool isVf);
-    void SetDeviceAttribute(IDkDevice& device, const DkSysInfo& info) const;
+    void SetDeviceAttribute(IDkDevice& device, const DkSysInfo& info, DkDiscoveredDirs&& dirs);
+    // The directory the layout pass opened for node `nodeId` (moved out; not
+    // open when there was none).
+    DkDirFd TakeNodeDir(uint32_t nodeId);
     void AddDieKeys(const std::shared_ptr<IDkDevice>& device);
     void AppendLimitedDevice(const DkSysInfo& info, DkSmlReturn powerState,
                              std::vector<DkLimitedDeviceInfo>& limited) const;
@@ -261,6 +267,9 @@ private:
     // The state the running pass builds: touched only by the discovering
     // thread under m_initMutex, empty between passes. Readers never see it.
     std::unique_ptr<State> m_state;
+    // Directories of the GPU layout nodes the running pass opened, by node id
+    // in ascending order, until their devices adopt them; empty between passes.
+    std::vector<std::pair<uint32_t, DkDirFd>> m_nodeDirs;
     std::unique_ptr<IDkDeviceFactory> m_deviceFactory;
     uint64_t m_generation = 0;  // passes so far (under m_initMutex)
     std::mutex m_initMutex;     // one discovery (or directory change) at a time
