@@ -1,7 +1,7 @@
 // What discovery learns after the scan: which virtual functions a physical
 // function hosts ("gpuvf") and each device's DRM card and render nodes.
-#include <cstdlib>
 #include <dirent.h>
+#include <fcntl.h>
 #include <unistd.h>
 #include <string_view>
 #include <vector>
@@ -91,28 +91,36 @@ void DkSystemManager::ConnectPfAndVfDevice() {
     }
 }
 
+// A link is named "pci-<bus id>-card" or "pci-<bus id>-render", so each
+// device and kind has at most one: the listing's order does not matter and
+// is not sorted.
 void DkSystemManager::GetRenderIdAndCardId() {
     State& s = *m_state;
     // The links are listed and read relative to their own directory.
     const DkDirFd byPath = CurrentHostRoot()->OpenDir(c_driByPathDir);
     if (!byPath.IsOpen()) return;
-    dirent** entries = nullptr;
-    int count = scandirat(byPath.Get(), ".", &entries, nullptr, versionsort);
-    if (count < 0) return;
-    for (int i = 0; i < count; ++i) {
-        std::string name = entries[i]->d_name;
-        std::free(entries[i]);
-        std::string_view view = name;
+    const int listFd = ::openat(byPath.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (listFd < 0) return;
+    DIR* listing = ::fdopendir(listFd);
+    if (listing == nullptr) {
+        ::close(listFd);
+        return;
+    }
+    std::string key;  // the bus id, reused: the table is keyed by std::string
+    while (const dirent* entry = ::readdir(listing)) {
+        std::string_view view = entry->d_name;
         if (view.substr(0, c_driLinkPrefix.size()) != c_driLinkPrefix) continue;
         view.remove_prefix(c_driLinkPrefix.size());
         size_t dash = view.rfind('-');
         if (dash == std::string_view::npos) continue;
         std::string_view kind = view.substr(dash + 1);
-        auto device = s.bdfToDeviceIndex.find(std::string(view.substr(0, dash)));
-        if (device == s.bdfToDeviceIndex.end() || (kind != "card" && kind != "render")) continue;
+        if (kind != "card" && kind != "render") continue;
+        key.assign(view.data(), dash);
+        auto device = s.bdfToDeviceIndex.find(key);
+        if (device == s.bdfToDeviceIndex.end()) continue;
         // One readlinkat: the by-path links point straight at the node.
         char target[4096];
-        const ssize_t length = ::readlinkat(byPath.Get(), name.c_str(), target, sizeof target);
+        const ssize_t length = ::readlinkat(byPath.Get(), entry->d_name, target, sizeof target);
         uint32_t number = 0;
         if (length <= 0 || static_cast<std::size_t>(length) >= sizeof target ||
             !TrailingNumber(std::string_view(target, static_cast<std::size_t>(length)), number))
@@ -121,7 +129,7 @@ void DkSystemManager::GetRenderIdAndCardId() {
         if (kind == "card") dev.SetDeviceCardId(number);
         else dev.SetDeviceRenderId(number);
     }
-    std::free(entries);
+    ::closedir(listing);
 }
 
 }  // namespace dksml

@@ -1,10 +1,16 @@
 // The PCI scan: every function under the search path becomes a device, a
 // limited device, a network interface or nothing.
-#include <cstdio>
-#include <cstdlib>
 #include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "core/dk_device.h"
 #include "core/dk_discovered_dirs.h"
@@ -56,6 +62,33 @@ bool CheckIsDeviceAccessible(const DkDirFd& smi, const DkPciEntry& function, DkS
     return true;
 }
 
+// The entries of a directory but "." and "..", in alphasort's order
+// (strcoll), as views into one buffer: one allocation for all the names
+// rather than one per entry. False when the directory cannot be listed.
+bool ListSortedEntries(int dirFd, std::string& names, std::vector<std::string_view>& entries) {
+    const int fd = ::openat(dirFd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) return false;
+    DIR* listing = ::fdopendir(fd);
+    if (listing == nullptr) {
+        ::close(fd);
+        return false;
+    }
+    std::vector<std::size_t> offsets;
+    while (const dirent* entry = ::readdir(listing)) {
+        const std::string_view name = entry->d_name;
+        if (name == "." || name == "..") continue;
+        offsets.push_back(names.size());
+        names.append(name).push_back('\0');
+    }
+    ::closedir(listing);
+    const char* base = names.data();
+    std::sort(offsets.begin(), offsets.end(),
+              [base](std::size_t a, std::size_t b) { return std::strcoll(base + a, base + b) < 0; });
+    entries.reserve(offsets.size());
+    for (std::size_t offset : offsets) entries.emplace_back(base + offset);
+    return true;
+}
+
 }  // namespace
 
 void DkSystemManager::DiscoverDkDevices(const std::string& searchPath) {
@@ -63,17 +96,13 @@ void DkSystemManager::DiscoverDkDevices(const std::string& searchPath) {
     // opened relative to it, and the listing reads it too.
     const DkDirFd searchDir = CurrentHostRoot()->OpenDir(searchPath);
     if (!searchDir.IsOpen()) return;
-    dirent** entries = nullptr;
-    int count = scandirat(searchDir.Get(), ".", &entries, nullptr, alphasort);
-    if (count < 0) return;
+    std::string names;
+    std::vector<std::string_view> entries;
+    if (!ListSortedEntries(searchDir.Get(), names, entries)) return;
     const uint32_t nicVendorId = GetNicEnvVendorId();
     std::vector<DkLimitedDeviceInfo> limited;
-    for (int i = 0; i < count; ++i) {
-        const std::string_view name = entries[i]->d_name;
-        if (name != "." && name != "..") ScanPciEntry(searchPath, DkPciEntry{searchDir.Get(), name}, nicVendorId, limited);
-        std::free(entries[i]);
-    }
-    std::free(entries);
+    for (const std::string_view name : entries)
+        ScanPciEntry(searchPath, DkPciEntry{searchDir.Get(), name}, nicVendorId, limited);
 
     // Limited devices are numbered after every usable device of their kind.
     for (DkLimitedDeviceInfo& info : limited) {

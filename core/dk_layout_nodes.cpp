@@ -43,13 +43,21 @@ std::vector<uint32_t> ListNumberedEntries(int dirFd) {
     return numbers;
 }
 
-// "key value" lines; false for a line that is not one.
+bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+
+// "key value" lines; false for a line that is not one. One walk over the
+// line (every node's "properties" has a dozen of them).
 bool SplitKeyValue(std::string_view line, std::string_view& key, std::string_view& value) {
-    line = TrimView(line, " \t\r");
-    size_t blank = line.find_first_of(" \t");
-    if (blank == std::string_view::npos) return false;
-    key = line.substr(0, blank);
-    value = TrimView(line.substr(blank + 1), " \t");
+    std::size_t begin = 0, end = line.size();
+    while (begin < end && (IsBlank(line[begin]) || line[begin] == '\r')) ++begin;
+    while (end > begin && (IsBlank(line[end - 1]) || line[end - 1] == '\r')) --end;
+    std::size_t blank = begin;
+    while (blank < end && !IsBlank(line[blank])) ++blank;
+    if (blank == end) return false;
+    key = line.substr(begin, blank - begin);
+    std::size_t start = blank + 1;
+    while (start < end && IsBlank(line[start])) ++start;
+    value = line.substr(start, end - start);
     return true;
 }
 
@@ -141,14 +149,17 @@ void GetGpuProperty(DkLayoutReader& reader, uint32_t nodeId, DkGpuNodeInfo& node
     if (!reader.Text(nodeId, "properties", text)) return;
     DkTextLines lines(text);
     std::string_view line, key, value;
+    // The key first: a node has a few dozen properties, and only these
+    // four values are parsed.
     while (lines.Next(line)) {
         if (!SplitKeyValue(line, key, value)) continue;
+        const bool used = key == "topology_id" || key == "is_vf" || key == "drm_render_minor" || key == "ap_mask";
         unsigned long number = 0;
-        if (!stoul_nt(value, number)) continue;
+        if (!used || !stoul_nt(value, number)) continue;
         if (key == "topology_id") node.topologyId = static_cast<uint32_t>(number);
         else if (key == "is_vf") node.isVf = static_cast<uint32_t>(number);
         else if (key == "drm_render_minor") node.drmRenderMinor = static_cast<uint32_t>(number);
-        else if (key == "ap_mask") node.apMask = number;
+        else node.apMask = number;
     }
 }
 

@@ -4,7 +4,7 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdio>
+#include <cstring>
 #include <string_view>
 
 namespace dksml {
@@ -22,18 +22,27 @@ struct DkPciEntry {
     };
     Path File(const char* file) const {
         Path path;
-        const int n = name.empty() ? std::snprintf(path.text, sizeof path.text, "%s", file)
-                                   : std::snprintf(path.text, sizeof path.text, "%.*s/%s",
-                                                   static_cast<int>(name.size()), name.data(), file);
-        if (n < 0 || static_cast<std::size_t>(n) >= sizeof path.text) path.text[0] = '\0';
+        const std::size_t fileSize = std::strlen(file);
+        const std::size_t prefix = name.empty() ? 0 : name.size() + 1;
+        if (prefix + fileSize >= sizeof path.text) {
+            path.text[0] = '\0';
+            return path;
+        }
+        if (prefix != 0) {
+            std::memcpy(path.text, name.data(), name.size());
+            path.text[name.size()] = '/';
+        }
+        std::memcpy(path.text + prefix, file, fileSize + 1);
         return path;
     }
     // The entry itself ("." when dirFd is the function's own directory).
     Path Self() const {
-        Path path;
         if (name.empty()) return File(".");
-        const int n = std::snprintf(path.text, sizeof path.text, "%.*s", static_cast<int>(name.size()), name.data());
-        if (n < 0 || static_cast<std::size_t>(n) >= sizeof path.text) path.text[0] = '\0';
+        Path path;
+        path.text[0] = '\0';
+        if (name.size() >= sizeof path.text) return path;
+        std::memcpy(path.text, name.data(), name.size());
+        path.text[name.size()] = '\0';
         return path;
     }
 };
