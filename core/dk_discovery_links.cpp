@@ -1,12 +1,11 @@
 // What discovery learns after the scan: which virtual functions a physical
 // function hosts ("gpuvf") and each device's DRM card and render nodes.
-#include <dirent.h>
-#include <fcntl.h>
 #include <unistd.h>
 #include <string_view>
 #include <vector>
 
 #include "core/dk_device.h"
+#include "core/dk_dir_listing.h"
 #include "core/dk_host_root.h"
 #include "core/dk_system_manager.h"
 #include "core/dk_system_manager_state.h"
@@ -97,39 +96,32 @@ void DkSystemManager::ConnectPfAndVfDevice() {
 void DkSystemManager::GetRenderIdAndCardId() {
     State& s = *m_state;
     // The links are listed and read relative to their own directory.
-    const DkDirFd byPath = CurrentHostRoot()->OpenDir(c_driByPathDir);
+    const DkDirFd byPath = CurrentHostRoot()->OpenListing(c_driByPathDir);
     if (!byPath.IsOpen()) return;
-    const int listFd = ::openat(byPath.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (listFd < 0) return;
-    DIR* listing = ::fdopendir(listFd);
-    if (listing == nullptr) {
-        ::close(listFd);
-        return;
-    }
     std::string key;  // the bus id, reused: the table is keyed by std::string
-    while (const dirent* entry = ::readdir(listing)) {
-        std::string_view view = entry->d_name;
-        if (view.substr(0, c_driLinkPrefix.size()) != c_driLinkPrefix) continue;
+    ForEachDirEntry(byPath.Get(), [&](std::string_view name) {
+        std::string_view view = name;
+        if (view.substr(0, c_driLinkPrefix.size()) != c_driLinkPrefix) return;
         view.remove_prefix(c_driLinkPrefix.size());
         size_t dash = view.rfind('-');
-        if (dash == std::string_view::npos) continue;
+        if (dash == std::string_view::npos) return;
         std::string_view kind = view.substr(dash + 1);
-        if (kind != "card" && kind != "render") continue;
+        if (kind != "card" && kind != "render") return;
         key.assign(view.data(), dash);
         auto device = s.bdfToDeviceIndex.find(key);
-        if (device == s.bdfToDeviceIndex.end()) continue;
+        if (device == s.bdfToDeviceIndex.end()) return;
         // One readlinkat: the by-path links point straight at the node.
+        // `name` is a whole entry name, NUL-terminated in the listing.
         char target[4096];
-        const ssize_t length = ::readlinkat(byPath.Get(), entry->d_name, target, sizeof target);
+        const ssize_t length = ::readlinkat(byPath.Get(), name.data(), target, sizeof target);
         uint32_t number = 0;
         if (length <= 0 || static_cast<std::size_t>(length) >= sizeof target ||
             !TrailingNumber(std::string_view(target, static_cast<std::size_t>(length)), number))
-            continue;
+            return;
         IDkDevice& dev = *s.devices[device->second];
         if (kind == "card") dev.SetDeviceCardId(number);
         else dev.SetDeviceRenderId(number);
-    }
-    ::closedir(listing);
+    });
 }
 
 }  // namespace dksml

@@ -1,9 +1,5 @@
 // The PCI scan: every function under the search path becomes a device, a
 // limited device, a network interface or nothing.
-#include <dirent.h>
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -13,6 +9,7 @@
 #include <vector>
 
 #include "core/dk_device.h"
+#include "core/dk_dir_listing.h"
 #include "core/dk_discovered_dirs.h"
 #include "core/dk_discovery_ni.h"
 #include "core/dk_driver_data_handler_factory.h"
@@ -62,25 +59,16 @@ bool CheckIsDeviceAccessible(const DkDirFd& smi, const DkPciEntry& function, DkS
     return true;
 }
 
-// The entries of a directory but "." and "..", in alphasort's order
-// (strcoll), as views into one buffer: one allocation for all the names
-// rather than one per entry. False when the directory cannot be listed.
+// The entries of the directory open on `dirFd` but "." and "..", in
+// alphasort's order (strcoll), as views into one buffer: one allocation for
+// all the names rather than one per entry. False when it cannot be listed.
 bool ListSortedEntries(int dirFd, std::string& names, std::vector<std::string_view>& entries) {
-    const int fd = ::openat(dirFd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0) return false;
-    DIR* listing = ::fdopendir(fd);
-    if (listing == nullptr) {
-        ::close(fd);
-        return false;
-    }
     std::vector<std::size_t> offsets;
-    while (const dirent* entry = ::readdir(listing)) {
-        const std::string_view name = entry->d_name;
-        if (name == "." || name == "..") continue;
+    const bool listed = ForEachDirEntry(dirFd, [&](std::string_view name) {
         offsets.push_back(names.size());
         names.append(name).push_back('\0');
-    }
-    ::closedir(listing);
+    });
+    if (!listed) return false;
     const char* base = names.data();
     std::sort(offsets.begin(), offsets.end(),
               [base](std::size_t a, std::size_t b) { return std::strcoll(base + a, base + b) < 0; });
@@ -92,9 +80,9 @@ bool ListSortedEntries(int dirFd, std::string& names, std::vector<std::string_vi
 }  // namespace
 
 void DkSystemManager::DiscoverDkDevices(const std::string& searchPath) {
-    // One descriptor for the search directory: every function's files are
-    // opened relative to it, and the listing reads it too.
-    const DkDirFd searchDir = CurrentHostRoot()->OpenDir(searchPath);
+    // One descriptor for the search directory: the listing reads it, and
+    // every function's files are opened relative to it.
+    const DkDirFd searchDir = CurrentHostRoot()->OpenListing(searchPath);
     if (!searchDir.IsOpen()) return;
     std::string names;
     std::vector<std::string_view> entries;

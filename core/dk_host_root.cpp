@@ -105,6 +105,11 @@ DkDirFd DkHostRoot::OpenDir(std::string_view hostPath) const {
     return DkDirFd(fd, fd < 0 ? errno : 0);
 }
 
+DkDirFd DkHostRoot::OpenListing(std::string_view hostPath) const {
+    const int fd = ::openat(Fd(), Relative(hostPath).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    return DkDirFd(fd, fd < 0 ? errno : 0);
+}
+
 std::size_t DkHostRoot::ResolveLink(std::string_view hostPath, char* out, std::size_t outSize) const {
     if (out == nullptr || outSize < 2) return 0;
     char rel[PATH_MAX];

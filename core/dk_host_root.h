@@ -44,6 +44,9 @@ public:
 
     // Directory descriptor of a host path, opened relative to the root.
     DkDirFd OpenDir(std::string_view hostPath) const;
+    // The same opened for reading (O_RDONLY), for a directory that is both
+    // listed and read through: one open instead of two.
+    DkDirFd OpenListing(std::string_view hostPath) const;
     // A host path with its last component resolved by one readlinkat inside
     // the root and ".." folded lexically: sysfs links point at real
     // directories, so this equals realpath() there without walking every

@@ -2,7 +2,6 @@
 // id under which driver GPU id, its properties and UUID. The link records
 // are left to the topology tables, which read them when first asked.
 #include <algorithm>
-#include <dirent.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -12,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/dk_dir_listing.h"
 #include "core/dk_host_root.h"
 #include "core/dk_system_manager.h"
 #include "core/dk_system_manager_state.h"
@@ -23,22 +23,14 @@ namespace {
 constexpr std::string_view c_cpuNodeType = "cpu";
 constexpr std::string_view c_sliceNodeType = "sgpu-sub-dev";
 
-// Entries of a directory whose names are decimal numbers, in numeric order.
+// Entries of the directory open on `dirFd` whose names are decimal numbers,
+// in numeric order.
 std::vector<uint32_t> ListNumberedEntries(int dirFd) {
     std::vector<uint32_t> numbers;
-    const int fd = ::openat(dirFd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0) return numbers;
-    DIR* dir = ::fdopendir(fd);
-    if (dir == nullptr) {
-        ::close(fd);
-        return numbers;
-    }
-    while (const dirent* entry = ::readdir(dir)) {
-        std::string_view name = entry->d_name;
+    ForEachDirEntry(dirFd, [&numbers](std::string_view name) {
         unsigned int number = 0;
         if (IsNumber(name) && stoui_nt(name, number)) numbers.push_back(number);
-    }
-    ::closedir(dir);
+    });
     std::sort(numbers.begin(), numbers.end());
     return numbers;
 }
@@ -176,7 +168,7 @@ bool GetGpuBdfId(DkLayoutReader& reader, uint32_t nodeId, std::string& bdfId) {
 void DkSystemManager::ParseLayoutNodeInfo() {
     State& s = *m_state;
     s.cpuNodeCount = 0;
-    const DkDirFd layoutDir = CurrentHostRoot()->OpenDir(s.layoutPath);
+    const DkDirFd layoutDir = CurrentHostRoot()->OpenListing(s.layoutPath);
     if (!layoutDir.IsOpen()) return;
     DkLayoutReader reader(layoutDir.Get());
     const std::vector<uint32_t> nodeIds = ListNumberedEntries(layoutDir.Get());
