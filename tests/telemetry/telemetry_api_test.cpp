@@ -1,11 +1,11 @@
 // The clock, throttle, temperature, fan and die-record exports on the
 // "server" virtual host: the argument checks, refusals and the record forms
 // (the readings themselves are in the golden dksmi transcripts; null pointers
-// and unknown indices of the other exports in the native frame test).
+// and unknown indices of the other exports in the native frame test; the
+// voltage rows' count protocol and values in the Python module's tests).
 #include <gtest/gtest.h>
 
 #include <string_view>
-#include <vector>
 
 #include "dksml.h"
 #include "vhost/dk_virtual_host.h"
@@ -82,19 +82,6 @@ TEST_F(TelemetryApiTest, SensorTableHoldsTheDriversRows) {
     ASSERT_EQ(dkSmlGetDieTemperatureSensor(c_twoDieDevice, 1, &table), DK_SML_SUCCESS);
     ASSERT_GT(table.rowCount, 0u);
     EXPECT_GT(table.rows[0].count, 0u);
-}
-
-TEST_F(TelemetryApiTest, VoltageRowsFollowTheCountProtocol) {
-    uint32_t count = 0;
-    ASSERT_EQ(dkSmlGetDieVmInfo(c_twoDieDevice, 0, &count, nullptr), DK_SML_ERROR_INSUFFICIENT_SIZE);
-    ASSERT_GT(count, 0u);
-    std::vector<DkSmlVmInfo> rows(count);
-    uint32_t small = count - 1;
-    EXPECT_EQ(dkSmlGetDieVmInfo(c_twoDieDevice, 0, &small, rows.data()), DK_SML_ERROR_INSUFFICIENT_SIZE);
-    EXPECT_EQ(small, count);
-    ASSERT_EQ(dkSmlGetDieVmInfo(c_twoDieDevice, 0, &count, rows.data()), DK_SML_SUCCESS);
-    EXPECT_EQ(count, rows.size());
-    EXPECT_GT(rows[0].count, 0);
 }
 
 }  // namespace
