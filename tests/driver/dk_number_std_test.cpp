@@ -130,50 +130,5 @@ TEST(ExtractNumber, MegabyteInputs) {
     ExpectAllTypesSame("0." + std::string(1 << 20, '0') + "1");
 }
 
-// GetHexArrayValue reads like `stream >> std::hex >> value`, GetArrayValue
-// like `stream >> value`: compare slot by slot with a stream loop.
-template <typename T>
-std::vector<T> StreamArray(const std::string& valuePart, std::size_t count, T fill, bool hex) {
-    std::vector<T> out(count, fill);
-    std::istringstream in(valuePart);
-    if (hex) in >> std::hex;
-    for (std::size_t i = 0; i < count; ++i) {
-        T v = T(0);  // "0 when there was no number"
-        in >> v;
-        out[i] = v;
-        if (in.fail()) break;
-    }
-    return out;
-}
-
-TEST(ArrayReaders, MatchAStreamLoop) {
-    const char* const parts[] = {
-        " 5 6", " 1 2 3 4 5", "", "   ", " x", " 7 x 8", " -1 -2", " 0x10 0X1F ff FF g", " 0x", " 0xg 5",
-        " 99999999999 1", " 4294967296 1", " 00 0x0 1", " +a -b", " 1\t2",
-    };
-    for (const char* part : parts) {
-        const std::string line = std::string("v:") + part;
-        for (std::size_t count : {0u, 1u, 3u, 6u}) {
-            auto check = [&](auto fill, bool hex, auto read) {
-                using T = decltype(fill);
-                std::vector<T> got(count, T(99));
-                DkTextLines lines(line);
-                read(lines, got.data());
-                EXPECT_EQ(got, StreamArray<T>(part, count, fill, hex)) << (hex ? "hex" : "dec") << " '" << line
-                                                                        << "' " << count;
-            };
-            check(-1, false, [&](DkTextLines& l, int* out) { GetArrayValue<int>(l, out, count, -1); });
-            check(7u, false, [&](DkTextLines& l, unsigned* out) { GetArrayValue<unsigned>(l, out, count, 7u); });
-            check(7u, true, [&](DkTextLines& l, unsigned* out) { GetHexArrayValue(l, out, count, 7u); });
-        }
-    }
-}
-
-TEST(ArrayReaders, NoLineThrows4) {
-    int values[2] = {};
-    DkTextLines lines("");
-    EXPECT_EQ(ThrownCode([&] { GetArrayValue<int>(lines, values, 2, 0); }), DK_SML_ERROR_SYSFS);
-}
-
 }  // namespace
 }  // namespace dksml
