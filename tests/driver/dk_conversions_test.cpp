@@ -1,12 +1,11 @@
-// The throwing conversions and the small utilities (the comparison with the
-// standard library is in dk_number_std_test.cpp). The throwing GetValue
-// readers of dk_text_unused.h are called by no library code; fuzz_conversions
-// pins that they throw nothing but the two driver codes.
+// The throwing conversions, the GetValue readers and the small utilities
+// (the comparison with the standard library is in dk_number_std_test.cpp).
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <functional>
 #include <string>
+#include <type_traits>
 
 #include "driver/dk_text.h"
 #include "dk_driver_test_util.h"
@@ -57,6 +56,65 @@ TEST(Conversions, EmbeddedNulLongTextAndNullView) {
     ASSERT_TRUE(stoi_nt(longText, i));
     EXPECT_EQ(i, 77);
     EXPECT_FALSE(stoi_nt(std::string(5000, '9'), i));
+}
+
+// --- throwing readers ---------------------------------------------------------
+
+// One reader applied to one text: the code it throws (-1 for none) and, on
+// success, the value it stored, as text.
+struct ReaderCase {
+    const char* text;
+    std::function<std::string(DkTextLines&)> read;
+    int code;
+    const char* value;
+};
+
+template <typename T, typename Fn>
+std::function<std::string(DkTextLines&)> Reader(Fn fn) {
+    return [fn](DkTextLines& lines) {
+        T value{};
+        fn(lines, value);
+        if constexpr (std::is_same_v<T, std::string>) return value;
+        else return std::to_string(value);
+    };
+}
+
+TEST(GetValue, EveryTypeAndForm) {
+    using ushort = unsigned short;
+    using ulong = unsigned long;
+    const auto u16 = Reader<ushort>([](DkTextLines& l, ushort& v) { GetValue(l, v); });
+    const auto hex = Reader<unsigned>([](DkTextLines& l, unsigned& v) { GetValue(l, v, 16); });
+    const auto dec = Reader<unsigned>([](DkTextLines& l, unsigned& v) { GetValue(l, v, 10); });
+    const auto i32 = Reader<int>([](DkTextLines& l, int& v) { GetValue(l, v); });
+    const auto i64 = Reader<long>([](DkTextLines& l, long& v) { GetValue(l, v); });
+    const auto u64 = Reader<ulong>([](DkTextLines& l, ulong& v) { GetValue(l, v); });
+    const auto str = Reader<std::string>([](DkTextLines& l, std::string& v) { GetValue(l, v); });
+    const auto space = Reader<unsigned>([](DkTextLines& l, unsigned& v) { GetValueSpace(l, v); });
+    // GetValueD: base 0 on the whole line (no colon handling); unsigned long in base 10
+    const auto di = Reader<int>([](DkTextLines& l, int& v) { GetValueD(l, v); });
+    const auto du = Reader<unsigned>([](DkTextLines& l, unsigned& v) { GetValueD(l, v); });
+    const auto dul = Reader<ulong>([](DkTextLines& l, ulong& v) { GetValueD(l, v); });
+    const ReaderCase cases[] = {
+        {"x: 65535\n", u16, -1, "65535"}, {"x: 70000\n", u16, 4, ""}, {"x: -1\n", u16, 4, ""},
+        {"x: not support\n", u16, 3, ""}, {"", u16, 4, ""}, {"123\n", u16, -1, "123"}, {"id: 1f\n", hex, -1, "31"},
+        {"id: 0x1f\n", hex, -1, "31"}, {"1f\n", hex, 4, ""},  // a base needs a colon
+        {"v: -1\n", dec, -1, "4294967295"}, {"v: 4294967295\n", dec, 4, ""},  // stoi range
+        {"t: -12 C\n", i32, -1, "-12"}, {"t: abc\n", i32, 4, ""}, {"t: not support\n", i32, 3, ""},
+        {"t: 9000000000\n", i64, -1, "9000000000"}, {"t: not support\n", i64, 4, ""},
+        {"t: 18446744073709551615\n", u64, -1, "18446744073709551615"},
+        {"name:  gfx a:b \n", str, -1, "  gfx a:b "}, {"whole\n", str, -1, "whole"},
+        {"speed 16\n", space, -1, "16"}, {"16\n", space, -1, "16"}, {"0x10\n", di, -1, "16"},
+        {"010\n", di, -1, "8"}, {"10\n", di, -1, "10"}, {"a: 10\n", di, 4, ""}, {"0xff\n", du, -1, "255"},
+        {"0x10\n", dul, -1, "0"}, {"123456789012\n", dul, -1, "123456789012"},
+    };
+    for (const ReaderCase& c : cases) {
+        DkTextLines lines(c.text);
+        std::string value;
+        EXPECT_EQ(ThrownCode([&] { value = c.read(lines); }), c.code) << c.text;
+        if (c.code < 0) {
+            EXPECT_EQ(value, c.value) << c.text;
+        }
+    }
 }
 
 // --- utilities ----------------------------------------------------------------

@@ -16,6 +16,8 @@
 namespace dksml {
 namespace {
 
+using test::ThrownCode;
+
 const char* const c_inputs[] = {
     "0", "-0", "+0", "1", "-1", "+5", "007", "  42", "\t\n 42", "42 MHz", "1200 MHz", "12abc", "abc",
     "", " ", "\t", "-", "+", "--1", "+-1", "- 1", ".", ".5", "5.", "5.5", "1e3", "1E3", "1e", "1e+", "1e-",
@@ -58,6 +60,12 @@ TEST(Conversions, MatchTheStandardOnes) {
             EXPECT_EQ(stoui_nt(text, ui, base), sul.has_value()) << text;
             EXPECT_EQ(ui, sul ? static_cast<unsigned int>(*sul) : 123u) << text;
         }
+        const auto sl = StdOrNull([&] { return std::stol(text); });
+        EXPECT_EQ(ThrownCode([&] { (void)dksml::stol(text); }), sl ? -1 : 4) << text;
+        if (sl) {
+            EXPECT_EQ(dksml::stol(text), *sl);
+        }
+
         float f = 1.25f;
         const auto sf = StdOrNull([&] { return std::stof(text); });
         EXPECT_EQ(stof_nt(text, f), sf.has_value()) << text;
@@ -67,6 +75,7 @@ TEST(Conversions, MatchTheStandardOnes) {
         if (!sf) {
             EXPECT_EQ(f, 1.25f);
         }
+        EXPECT_EQ(ThrownCode([&] { (void)dksml::stof(text); }), sf ? -1 : 4) << text;
     }
 }
 
@@ -119,6 +128,51 @@ TEST(ExtractNumber, MegabyteInputs) {
     ExpectAllTypesSame(std::string(1 << 20, '0') + "12");
     ExpectAllTypesSame(std::string(1 << 20, ' ') + "12");
     ExpectAllTypesSame("0." + std::string(1 << 20, '0') + "1");
+}
+
+// GetHexArrayValue reads like `stream >> std::hex >> value`, GetArrayValue
+// like `stream >> value`: compare slot by slot with a stream loop.
+template <typename T>
+std::vector<T> StreamArray(const std::string& valuePart, std::size_t count, T fill, bool hex) {
+    std::vector<T> out(count, fill);
+    std::istringstream in(valuePart);
+    if (hex) in >> std::hex;
+    for (std::size_t i = 0; i < count; ++i) {
+        T v = T(0);  // "0 when there was no number"
+        in >> v;
+        out[i] = v;
+        if (in.fail()) break;
+    }
+    return out;
+}
+
+TEST(ArrayReaders, MatchAStreamLoop) {
+    const char* const parts[] = {
+        " 5 6", " 1 2 3 4 5", "", "   ", " x", " 7 x 8", " -1 -2", " 0x10 0X1F ff FF g", " 0x", " 0xg 5",
+        " 99999999999 1", " 4294967296 1", " 00 0x0 1", " +a -b", " 1\t2",
+    };
+    for (const char* part : parts) {
+        const std::string line = std::string("v:") + part;
+        for (std::size_t count : {0u, 1u, 3u, 6u}) {
+            auto check = [&](auto fill, bool hex, auto read) {
+                using T = decltype(fill);
+                std::vector<T> got(count, T(99));
+                DkTextLines lines(line);
+                read(lines, got.data());
+                EXPECT_EQ(got, StreamArray<T>(part, count, fill, hex)) << (hex ? "hex" : "dec") << " '" << line
+                                                                        << "' " << count;
+            };
+            check(-1, false, [&](DkTextLines& l, int* out) { GetArrayValue<int>(l, out, count, -1); });
+            check(7u, false, [&](DkTextLines& l, unsigned* out) { GetArrayValue<unsigned>(l, out, count, 7u); });
+            check(7u, true, [&](DkTextLines& l, unsigned* out) { GetHexArrayValue(l, out, count, 7u); });
+        }
+    }
+}
+
+TEST(ArrayReaders, NoLineThrows4) {
+    int values[2] = {};
+    DkTextLines lines("");
+    EXPECT_EQ(ThrownCode([&] { GetArrayValue<int>(lines, values, 2, 0); }), DK_SML_ERROR_SYSFS);
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 // ReadSysfs forms, ReadStringStream, ProcessValueByColon, ParseValueAfterColon,
-// ParseKeyValue and ExtractTagValue. GetKVData/GetData (dk_text_unused.h) are
-// called by no library code; fuzz_keyvalue pins their codes and that they
-// stay inside an exact-size buffer.
+// ParseKeyValue and GetKVData/GetData.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -14,6 +12,7 @@ namespace dksml {
 namespace {
 
 using test::TempDir;
+using test::ThrownCode;
 
 // --- ReadSysfs with an extractor -------------------------------------------
 
@@ -236,6 +235,38 @@ TEST(ParseKeyValue, DuplicatesEmptyTextAndLabelWithColons) {
     ASSERT_EQ(list.size(), 1u);  // "a" has " b: 3", which holds no integer first
     EXPECT_EQ(list[0].first, "c");
     EXPECT_EQ(list[0].second, (std::vector<int64_t>{4}));
+}
+
+// --- GetKVData / GetData ------------------------------------------------------
+
+TEST(GetKVData, JoinsTrimmedPairsTruncatesAndFails) {
+    char wide[64];
+    ASSERT_EQ(GetKVData("Vendor: abc\nModel:  x1 \n", wide, sizeof wide), DK_SML_SUCCESS);
+    EXPECT_STREQ(wide, "Vendor:abc;Model:x1;");
+    char buffer[8];
+    ASSERT_EQ(GetKVData("Vendor: abc\n", buffer, sizeof buffer), DK_SML_SUCCESS);
+    EXPECT_STREQ(buffer, "Vendor:");  // size - 1 characters
+    char one[1] = {'x'};
+    ASSERT_EQ(GetKVData("a: b\n", one, 1), DK_SML_SUCCESS);
+    EXPECT_EQ(one[0], '\0');
+    char keep[8] = "keep";
+    EXPECT_EQ(GetKVData("a: b\nno colon\n", keep, sizeof keep), DK_SML_ERROR_SYSFS);
+    EXPECT_STREQ(keep, "keep");
+    ASSERT_EQ(GetKVData("", keep, sizeof keep), DK_SML_SUCCESS);
+    EXPECT_STREQ(keep, "");
+    ASSERT_EQ(GetKVData("a:\tb:c\t\n", buffer, sizeof buffer), DK_SML_SUCCESS);
+    EXPECT_STREQ(buffer, "a:b:c;");
+}
+
+TEST(GetData, ThrowsWhereGetKVDataReturns4) {
+    char buffer[32];
+    DkTextLines lines("skip: 1\nA: 1\nB: 2\n");
+    std::string_view first;
+    ASSERT_TRUE(lines.Next(first));
+    GetData(lines, buffer, sizeof buffer);
+    EXPECT_STREQ(buffer, "A:1;B:2;");
+    DkTextLines bad("A: 1\nB\n");
+    EXPECT_EQ(ThrownCode([&] { GetData(bad, buffer, sizeof buffer); }), DK_SML_ERROR_SYSFS);
 }
 
 TEST(ExtractTagValue, KeepsTheColonInTheTag) {

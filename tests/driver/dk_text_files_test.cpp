@@ -103,13 +103,15 @@ TEST(TrimView, BlanksAndTabsOnly) {
     EXPECT_EQ(TrimView("--x--", "-"), "x");
 }
 
-TEST(FileChecks, ExistAndWritable) {
+TEST(FileChecks, ExistReadableWritable) {
     TempDir dir;
     const std::string path = dir.Write("f", "1\n");
     EXPECT_TRUE(CheckIfFileExist(path));
+    EXPECT_TRUE(CheckIfFileReadable(path));
     EXPECT_TRUE(CheckIfFileWritable(path));
     EXPECT_TRUE(CheckIfFileExist(dir.Path().string()));
     EXPECT_FALSE(CheckIfFileExist(dir / "absent"));
+    EXPECT_FALSE(CheckIfFileReadable(dir / "absent"));
     EXPECT_FALSE(CheckIfFileWritable(dir / "absent"));
 }
 
