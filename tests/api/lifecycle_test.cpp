@@ -13,24 +13,20 @@ protected:
     std::unique_ptr<vhost::ScopedHost> host;
 };
 
+// The C client in tests/abi checks init, shutdown, the count and the index
+// lookup on an empty host.
 TEST_F(EmptyHostTest, CompatFamilyHasNoDeviceAndNoHandle) {
-    EXPECT_EQ(dkSmlExInit(), DK_SML_EX_SUCCESS);
     uint32_t count = 77;
-    EXPECT_EQ(dkSmlExDeviceGetCount(&count), DK_SML_EX_SUCCESS);
-    EXPECT_EQ(count, 0u);
-    count = 77;
     EXPECT_EQ(dkSmlExVornDeviceGetCount(&count), DK_SML_EX_SUCCESS);
     EXPECT_EQ(count, 0u);
     DkSmlExDevice handle = nullptr;
-    EXPECT_EQ(dkSmlExGetDeviceHandleByIndex(0, &handle), DK_SML_EX_ERROR_INVALID_ARGUMENT);
     EXPECT_EQ(dkSmlExGetDeviceHandleByPciBusId("0000:00:17.0", &handle), DK_SML_EX_ERROR_INVALID_ARGUMENT);
     EXPECT_EQ(dkSmlExDeviceGetHandleByUUID("GPU-0", &handle), DK_SML_EX_ERROR_INVALID_ARGUMENT);
     for (uint32_t index : c_absentIndices) EXPECT_EQ(dkSmlGetSgpuCount(index), 0u) << index;
     // Without a device there is no driver to ask.
     char text[64] = {};
     EXPECT_EQ(dkSmlExSystemGetDriverVersion(text, sizeof(text)), DK_SML_EX_ERROR_UNKNOWN);
-    EXPECT_EQ(dkSmlExShutdown(), DK_SML_EX_SUCCESS);
-    EXPECT_EQ(dkSmlExShutdown(), DK_SML_EX_SUCCESS);
+    EXPECT_EQ(dkSmlExShutdown(), DK_SML_EX_SUCCESS);  // even without an init
 }
 
 TEST_F(EmptyHostTest, SystemQueriesRejectNullOutputsAndShortBuffers) {
