@@ -70,18 +70,20 @@ class SlicesHostTest(unittest.TestCase):
                 action()
                 self.assertEqual(self.host.read(SGPU + file), text)
 
-    def test_refusals_raise_their_classes(self) -> None:
-        cases: list[tuple[Callable[[], object], type[dksml.DkSmlError], int]] = [
-            (lambda: api.slice_info(PLAIN_DEVICE, 0), dksml.NotSupported, 3),
-            (lambda: api.slice_mode(4242), dksml.DeviceNotAvailable, 6),
-            (lambda: api.create_slice(SLICE_DEVICE, 8192, 20), dksml.DkSmlError, 4),  # no driver makes the slice
-            (lambda: api.ex_handle_by_bus_id("0000:ff:00.0"), dksml.DkSmlError, dksml.ExReturn.ERROR_INVALID_ARGUMENT),
+    def test_refusals_raise_their_classes_with_the_library_text(self) -> None:
+        ex = api.ex_error_string
+        cases: list[tuple[Callable[[], object], type[dksml.DkSmlError], int, Callable[[int], str]]] = [
+            (lambda: api.slice_info(PLAIN_DEVICE, 0), dksml.NotSupported, 3, api.error_string),
+            (lambda: api.fan(4242), dksml.DeviceNotAvailable, 6, api.error_string),
+            (lambda: api.clocks(PLAIN_DEVICE, 2), dksml.DkSmlError, 7, api.error_string),  # two dies
+            (lambda: api.create_slice(SLICE_DEVICE, 8192, 20), dksml.DkSmlError, 4, api.error_string),  # no driver
+            (lambda: api.ex_handle_by_bus_id("0000:ff:00.0"), dksml.DkSmlError, 2, ex),
         ]
-        for call, kind, code in cases:
+        for call, kind, code, text in cases:
             with self.subTest(code=code), self.assertRaises(kind) as raised:
                 call()
             self.assertEqual(raised.exception.code, code)
-            self.assertTrue(raised.exception.text)
+            self.assertEqual(raised.exception.text, text(code))
 
     def test_compatibility_family_counts_dies_and_slices(self) -> None:
         api.ex_init()
