@@ -198,26 +198,25 @@ TEST_F(CompatServerTest, UnservedSensorsAndKindsAreNotSupported) {
     EXPECT_EQ(dkSmlExDeviceGetFanSpeed_v2(handle, 1, &value), DK_SML_EX_ERROR_NOT_SUPPORTED);
     EXPECT_EQ(dkSmlExGetPcieThroughput(handle, static_cast<DkSmlExPcieUtilCounter>(2), &value),
               DK_SML_EX_ERROR_NOT_SUPPORTED);
+    // The clock type is looked at only after the die's clocks were read.
+    EXPECT_EQ(dkSmlExDeviceGetClockInfo(handle, DK_SML_EX_CLOCK_GRAPHICS, &value), DK_SML_EX_ERROR_NOT_SUPPORTED);
 }
 
-// The clock type is looked at only after the die's clocks were read.
-TEST_F(CompatServerTest, ClockInfoServesTypesOneToThree) {
+// Clocks and the temperature are die 0's native readings: SM is the first
+// compute clock, memory the first memory-controller clock, and the
+// temperature the hot spot in whole degrees (the native reading is in
+// hundredths).
+TEST_F(CompatServerTest, ReadingsAreDieZerosNativeOnes) {
     const DkSmlExDevice handle = HandleAt(0);
-    uint32_t clock = 0;
-    EXPECT_EQ(dkSmlExDeviceGetClockInfo(handle, DK_SML_EX_CLOCK_GRAPHICS, &clock), DK_SML_EX_ERROR_NOT_SUPPORTED);
     DkSmlClocksFreqForAll native{};
     ASSERT_EQ(dkSmlGetClocks(0, 0, &native), DK_SML_SUCCESS);
-    ASSERT_EQ(dkSmlExDeviceGetClockInfo(handle, DK_SML_EX_CLOCK_SM, &clock), DK_SML_EX_SUCCESS);
-    EXPECT_EQ(clock, native.xcore.freq[0]);
-    ASSERT_EQ(dkSmlExDeviceGetClockInfo(handle, DK_SML_EX_CLOCK_MEM, &clock), DK_SML_EX_SUCCESS);
-    EXPECT_EQ(clock, native.mc.freq[0]);
-}
-
-TEST_F(CompatServerTest, TemperatureIsTheDieHotSpotInHundredths) {
-    const DkSmlExDevice handle = HandleAt(0);
     int32_t hotspot = 0;
     ASSERT_EQ(dkSmlGetDieTemperatureInfo(0, 0, DK_SML_TEMPERATURE_HOTSPOT, &hotspot), DK_SML_SUCCESS);
     uint32_t value = 12345;
+    ASSERT_EQ(dkSmlExDeviceGetClockInfo(handle, DK_SML_EX_CLOCK_SM, &value), DK_SML_EX_SUCCESS);
+    EXPECT_EQ(value, native.xcore.freq[0]);
+    ASSERT_EQ(dkSmlExDeviceGetClockInfo(handle, DK_SML_EX_CLOCK_MEM, &value), DK_SML_EX_SUCCESS);
+    EXPECT_EQ(value, native.mc.freq[0]);
     ASSERT_EQ(dkSmlExDeviceGetTemperature(handle, DK_SML_EX_TEMPERATURE_GPU, &value), DK_SML_EX_SUCCESS);
     EXPECT_EQ(value, static_cast<uint32_t>(hotspot / 100));
 }
