@@ -1,11 +1,12 @@
-// Compatibility handles: one per die of each physical device, found by
-// compute-stack number, bus id or UUID, and void after rediscovery.
+// Compatibility handles: one per die of each physical device (each its die's
+// record), found by compute-stack number, bus id or UUID, and void after
+// rediscovery.
 #include <cstring>
-#include <set>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "core/dk_system_manager.h"
 #include "discovery_host.h"
 
 namespace dksml::test {
@@ -24,22 +25,28 @@ TEST(CompatHandles, OneHandlePerDieOfEachPhysicalDevice) {
     EXPECT_EQ(count, 8u);  // DKK6-A and DKK6-PL have two dies each
     ASSERT_EQ(dkSmlExVornDeviceGetCount(&count), DK_SML_EX_SUCCESS);
     EXPECT_EQ(count, 8u);
-    // Dies of one device share its identity; the next number is the next device.
+    // Dies of one device share its identity; the next number is the next
+    // device. Each handle is its own die's record.
     const struct {
-        uint32_t vornId;
+        uint32_t vornId, deviceIndex, die;
         const char* bdf;
-    } rows[] = {{0, "0000:1b:00.0"}, {1, "0000:1b:00.0"}, {2, "0000:1c:00.0"}, {3, "0000:1e:00.0"},
-                {4, "0000:af:00.0"}, {5, "0000:af:00.0"}, {6, "0000:b0:00.0"}, {7, "0000:e1:00.0"}};
-    std::set<DkSmlExDevice> handles;
+    } rows[] = {{0, 0, 0, "0000:1b:00.0"}, {1, 0, 1, "0000:1b:00.0"}, {2, 1, 0, "0000:1c:00.0"},
+                {3, 2, 0, "0000:1e:00.0"}, {4, 3, 0, "0000:af:00.0"}, {5, 3, 1, "0000:af:00.0"},
+                {6, 4, 0, "0000:b0:00.0"}, {7, 5, 0, "0000:e1:00.0"}};
+    auto& manager = DkSystemManager::GetInstance();
     for (const auto& row : rows) {
         SCOPED_TRACE(row.vornId);
+        const DkSmlExDevice handle = HandleByIndex(row.vornId);
+        const DkDieInfo* die = manager.GetDieByVornId(row.vornId);
+        ASSERT_NE(die, nullptr);
+        EXPECT_EQ(die->device->GetDeviceId(), row.deviceIndex);
+        EXPECT_EQ(die->dieIndex, row.die);
+        EXPECT_EQ(manager.FindDieByHandle(handle), die);
         DkSmlExPciInfo pci{};
-        ASSERT_EQ(dkSmlExDeviceGetPciInfo(HandleByIndex(row.vornId), &pci), DK_SML_EX_SUCCESS);
+        ASSERT_EQ(dkSmlExDeviceGetPciInfo(handle, &pci), DK_SML_EX_SUCCESS);
         EXPECT_STREQ(pci.busId, row.bdf);
         EXPECT_EQ(pci.bus, std::stoul(std::string(row.bdf).substr(5, 2), nullptr, 16));
-        handles.insert(HandleByIndex(row.vornId));
     }
-    EXPECT_EQ(handles.size(), 8u);
     DkSmlExDevice handle = nullptr;
     EXPECT_EQ(dkSmlExGetDeviceHandleByIndex(8, &handle), DK_SML_EX_ERROR_INVALID_ARGUMENT);
     EXPECT_EQ(dkSmlExGetDeviceHandleByIndex(100, &handle), DK_SML_EX_ERROR_INVALID_ARGUMENT);
