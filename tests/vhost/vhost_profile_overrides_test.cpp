@@ -1,5 +1,5 @@
 // Profiles build edge cases declaratively: attribute texts per device and per
-// die, omitted attributes and arbitrary extra files.
+// die, omitted attributes, arbitrary extra files and PCIe links.
 #include <filesystem>
 #include <string>
 
@@ -76,6 +76,22 @@ TEST(ProfileOverrides, IdentityFollowsTheProductTable) {
     // A virtual function sits beside its physical function.
     EXPECT_EQ(fs::canonical(host.Path("/sys/bus/pci/devices/0000:3b:00.4")).parent_path(),
               fs::canonical(host.Path(c_dir)).parent_path());
+}
+
+TEST(ProfileOverrides, LinksReachTheLinkFilesOfFunctionsAndBridges) {
+    json profile = LoadProfile("empty");
+    profile["devices"][2]["pcie"] = {{"max_gen", 3}, {"max_width", 8}, {"width", 4}};
+    profile["bridge_links"] = {{"0000:00:01.0", {{"max_gen", 4}, {"gen", 2}}}};
+    const ScopedHost host(profile);
+    const std::string nic = "/sys/bus/pci/devices/0000:01:00.0/";
+    EXPECT_EQ(host.ReadFile(nic + "max_link_speed"), "8.0 GT/s PCIe\n");
+    EXPECT_EQ(host.ReadFile(nic + "max_link_width"), "8\n");
+    EXPECT_EQ(host.ReadFile(nic + "current_link_speed"), "8.0 GT/s PCIe\n");
+    EXPECT_EQ(host.ReadFile(nic + "current_link_width"), "4\n");
+    const std::string port = "/sys/bus/pci/devices/0000:00:01.0/";
+    EXPECT_EQ(host.ReadFile(port + "max_link_speed"), "16.0 GT/s PCIe\n");
+    EXPECT_EQ(host.ReadFile(port + "current_link_speed"), "5.0 GT/s PCIe\n");
+    EXPECT_EQ(host.ReadFile(port + "current_link_width"), "16\n");
 }
 
 }  // namespace
