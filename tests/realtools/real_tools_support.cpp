@@ -92,7 +92,6 @@ std::vector<HwlocObject> ParseHwlocXml(const std::string& xml) {
         entry.object.type = Attribute(tag, "type");
         entry.object.busId = Attribute(tag, "pci_busid");
         entry.object.cpuset = Attribute(tag, "cpuset");
-        entry.object.nodeset = Attribute(tag, "nodeset");
         const std::string osIndex = Attribute(tag, "os_index");
         entry.object.osIndex = osIndex.empty() ? -1 : std::stoi(osIndex);
         entry.ancestors = open;

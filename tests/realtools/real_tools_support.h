@@ -31,7 +31,6 @@ struct HwlocObject {
     std::string type;
     std::string busId;          // pci_busid of PCI devices and bridges
     std::string cpuset;         // as hwloc writes it: "0x0000ffff,0xffffffff"
-    std::string nodeset;        // NUMA node ids, the same notation
     int osIndex = -1;
     std::vector<const HwlocObject*> ancestors;
 };

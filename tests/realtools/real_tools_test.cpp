@@ -77,8 +77,9 @@ protected:
     HostSpec spec_;
 };
 
-// -PP prints each function as the path of bridges leading to it.
-TEST_P(RealTools, LspciPlacesEveryFunctionBehindItsBridgesWithItsIds) {
+// -PP prints each function as the path of bridges leading to it; -vv its link
+// and, for a physical function, its virtual functions.
+TEST_P(RealTools, LspciShowsEveryFunctionBehindItsBridgesWithItsIdsAndLinks) {
     MustRun(Lspci(Root(), "-tv"));
     const ToolRun paths = MustRun(Lspci(Root(), "-D -PP -n"));
     for (const DeviceSpec& device : spec_.devices) {
@@ -88,11 +89,7 @@ TEST_P(RealTools, LspciPlacesEveryFunctionBehindItsBridgesWithItsIds) {
         const std::string ids = Hex4(device.vendorId) + ":" + Hex4(device.deviceId);
         EXPECT_NE(paths.out.find(path + " " + device.pciClass.substr(2, 4) + ": " + ids), std::string::npos)
             << path << " " << ids << " not in\n" << paths.out;
-    }
-}
 
-TEST_P(RealTools, LspciReportsTheProfileLinksAndVirtualFunctions) {
-    for (const DeviceSpec& device : spec_.devices) {
         const ToolRun run = MustRun(Lspci(Root(), "-vv -s " + device.busId));
         const std::string cap = LineStartingWith(run.out, "LnkCap:");
         const std::string status = LineStartingWith(run.out, "LnkSta:");
@@ -114,11 +111,22 @@ TEST_P(RealTools, LstopoDrawsBridgesNumaNodesAndCpuSets) {
     MustRun(Lstopo(Root(), "--whole-io"));
     const std::vector<HwlocObject> objects = ParseHwlocXml(MustRun(Lstopo(Root(), "--whole-io --of xml -")).out);
     std::map<int, std::vector<unsigned>> nodeCpus;
+    std::vector<size_t> coreSizes;
     for (const HwlocObject& object : objects) {
         if (object.type == "NUMANode") nodeCpus[object.osIndex] = HwlocSetCpus(object.cpuset);
+        if (object.type == "Core") coreSizes.push_back(HwlocSetCpus(object.cpuset).size());
     }
+    // Each node's CPUs, paired into cores by their thread siblings.
+    size_t cpus = 0;
+    std::vector<size_t> expectedCoreSizes;
     for (const vhost::CpuNodeSpec& node : spec_.cpuNodes) {
-        EXPECT_EQ(nodeCpus[static_cast<int>(node.nodeId)], vhost::ParseCpuList(node.cpuList)) << "node " << node.nodeId;
+        const std::vector<unsigned> nodeList = vhost::ParseCpuList(node.cpuList);
+        EXPECT_EQ(nodeCpus[static_cast<int>(node.nodeId)], nodeList) << "node " << node.nodeId;
+        cpus += nodeList.size();
+        expectedCoreSizes.insert(expectedCoreSizes.end(), nodeList.size() / node.threadsPerCore, node.threadsPerCore);
+    }
+    if (cpus > 0) {
+        EXPECT_EQ(coreSizes, expectedCoreSizes);
     }
     std::map<std::string, const HwlocObject*> byBusId;
     for (const HwlocObject& object : objects) {
