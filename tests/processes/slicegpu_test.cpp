@@ -38,12 +38,8 @@ private:
     std::string m_written;
 };
 
-TEST_F(SlicesHost, ModeReadsPerDeviceAndNativeRefusesSliceOperations) {
-    uint32_t on = 7;
-    ASSERT_EQ(dkSmlGetSgpuToggle(c_sliceDevice, &on), DK_SML_SUCCESS);
-    EXPECT_EQ(on, 1u);
-    ASSERT_EQ(dkSmlGetSgpuToggle(c_plainDevice, &on), DK_SML_SUCCESS);
-    EXPECT_EQ(on, 0u);
+// The mode of each device is pinned by dksmi's golden transcripts.
+TEST_F(SlicesHost, NativeDeviceRefusesSliceOperations) {
     uint32_t id = 0, value = 0;
     DkSmlSgpuInfo info{};
     EXPECT_EQ(dkSmlCreateSgpu(c_plainDevice, 1, 1, &id), DK_SML_ERROR_NOT_SUPPORTED);
@@ -52,8 +48,6 @@ TEST_F(SlicesHost, ModeReadsPerDeviceAndNativeRefusesSliceOperations) {
     EXPECT_EQ(dkSmlGetDeviceTimeslice(c_plainDevice, &value), DK_SML_ERROR_NOT_SUPPORTED);
     EXPECT_EQ(dkSmlSetSgpuVramQuota(c_plainDevice, 0, 1), DK_SML_ERROR_NOT_SUPPORTED);
     EXPECT_EQ(dkSmlGetSgpuCount(c_plainDevice), 0u);
-    EXPECT_EQ(dkSmlGetSgpuToggle(c_sliceDevice, nullptr), DK_SML_ERROR_INVALID_INPUT);
-    EXPECT_EQ(dkSmlGetSgpuToggle(42, &on), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
 }
 
 TEST_F(SlicesHost, ToggleWritesTheWordWithANewline) {
@@ -68,24 +62,15 @@ TEST_F(SlicesHost, ToggleWritesTheWordWithANewline) {
     EXPECT_EQ(dkSmlSetSgpuToggle(c_plainDevice, 1), DK_SML_ERROR_NOT_SUPPORTED);
 }
 
+// Each slice's quotas, uuid, state, usage and memory are pinned by dksmi's
+// golden transcripts; the device-wide readings and the node number are here.
 TEST_F(SlicesHost, SliceReadingsComeFromTheSliceAndItsLayoutNode) {
     EXPECT_EQ(dkSmlGetSgpuCount(c_sliceDevice), 3u);
     DkSmlSgpuInfo info{};
     ASSERT_EQ(dkSmlGetSgpuInfo(c_sliceDevice, 0, &info), DK_SML_SUCCESS);
-    EXPECT_EQ(info.vramQuota, 16384u);
-    EXPECT_EQ(info.computeQuota, 25u);
     EXPECT_EQ(info.minor, 200u);
-    EXPECT_EQ(std::string(info.uuid).rfind("GPU-", 0), 0u);
-    EXPECT_GT(std::string(info.uuid).size(), 4u);
-    int32_t state = -1, usage = -1;
-    ASSERT_EQ(dkSmlGetSgpuState(c_sliceDevice, 3, &state), DK_SML_SUCCESS);
-    EXPECT_EQ(state, 0);
-    ASSERT_EQ(dkSmlGetSgpuUsage(c_sliceDevice, 0, &usage), DK_SML_SUCCESS);
-    EXPECT_EQ(usage, 37);
+    int32_t usage = -1;
     EXPECT_EQ(dkSmlGetSgpuUsage(c_sliceDevice, 2, &usage), DK_SML_ERROR_NOT_SUPPORTED);  // no slice 2
-    DkSmlSgpuMemoryInfo memory{};
-    ASSERT_EQ(dkSmlGetSgpuMemory(c_sliceDevice, 1, &memory), DK_SML_SUCCESS);
-    EXPECT_EQ(memory.values[1], 1073741824ull);
     DkSmlSgpuAvailableQuota quota{};
     ASSERT_EQ(dkSmlGetSgpuAvailableQuota(c_sliceDevice, &quota), DK_SML_SUCCESS);
     EXPECT_EQ(quota.totalVramQuota, 65536u);
