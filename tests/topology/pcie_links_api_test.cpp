@@ -12,15 +12,15 @@ using test::MakeHost;
 
 // The links, slots, byte counters and interconnect readings of every device
 // of each profile are in dksmi's --json transcripts (tests/dksmi/golden); the
-// tests here take the refusals, the text rules and what dksmi does not print.
+// tests here take the refusals, the text rules and what dksmi does not print
+// (null outputs and unknown indices are in tests/api, the port-count rule in
+// links_service_test.cpp).
 
 TEST(PcieApi, LinkRefusals) {
     auto host = MakeHost("server");
     DkSmlPcieInfo info{};
     EXPECT_EQ(dkSmlGetPcieInfo(100, &info), DK_SML_ERROR_NOT_SUPPORTED);  // a VF
     EXPECT_EQ(dkSmlGetPcieMaxLinkInfo(100, &info), DK_SML_ERROR_NOT_SUPPORTED);
-    EXPECT_EQ(dkSmlGetPcieInfo(0, nullptr), DK_SML_ERROR_INVALID_INPUT);
-    EXPECT_EQ(dkSmlGetPcieInfo(42, &info), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
 }
 
 TEST(PcieApi, SpeedTextRules) {
@@ -92,11 +92,7 @@ TEST(PcieApi, PciDelayAndGenerationOnlyOnTheInferenceLine) {
 
 TEST(LinksApi, StateWriteCountersAndPortInfo) {
     auto host = MakeHost("server");
-    uint32_t states[16] = {};
     uint32_t count = 16;
-    count = 3;
-    EXPECT_EQ(dkSmlGetDravikLinkPortState(3, &count, states), DK_SML_ERROR_INSUFFICIENT_SIZE);
-
     uint32_t state = 0;
     char text[32] = {};
     uint32_t size = sizeof(text);
@@ -105,7 +101,6 @@ TEST(LinksApi, StateWriteCountersAndPortInfo) {
     EXPECT_EQ(dkSmlGetDravikLinkState(2, &state, text, &size), DK_SML_ERROR_NOT_SUPPORTED);  // hosts VFs
 
     DkSmlDravikLinkTrafficStat traffic[16] = {};
-    count = 16;
     ASSERT_EQ(dkSmlGetDravikLinkTrafficStat(4, DK_SML_DRAVIK_LINK_OUTBOUND, &count, traffic), DK_SML_SUCCESS);
     EXPECT_EQ(count, 7u);
     EXPECT_EQ(traffic[0].packets, traffic[0].bytes / 256);
