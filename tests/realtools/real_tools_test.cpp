@@ -77,8 +77,9 @@ protected:
     HostSpec spec_;
 };
 
-// -PP prints each function as the path of bridges leading to it; -vv its link
-// and, for a physical function, its virtual functions.
+// -PP prints each function as the path of bridges leading to it; -vv its
+// configuration space: subsystem, revision, port type, link and, for a
+// physical function, its virtual functions.
 TEST_P(RealTools, LspciShowsEveryFunctionBehindItsBridgesWithItsIdsAndLinks) {
     MustRun(Lspci(Root(), "-tv"));
     const ToolRun paths = MustRun(Lspci(Root(), "-D -PP -n"));
@@ -90,17 +91,27 @@ TEST_P(RealTools, LspciShowsEveryFunctionBehindItsBridgesWithItsIdsAndLinks) {
         EXPECT_NE(paths.out.find(path + " " + device.pciClass.substr(2, 4) + ": " + ids), std::string::npos)
             << path << " " << ids << " not in\n" << paths.out;
 
-        const ToolRun run = MustRun(Lspci(Root(), "-vv -s " + device.busId));
+        const ToolRun run = MustRun(Lspci(Root(), "-vv -nn -s " + device.busId));
+        if (device.subsystemVendorId != 0) {
+            const std::string subsystem = LineStartingWith(run.out, "Subsystem:");
+            const std::string want = "[" + Hex4(device.subsystemVendorId) + ":" + Hex4(device.subsystemDeviceId) + "]";
+            EXPECT_NE(subsystem.find(want), std::string::npos) << subsystem;
+        }
+        const std::string revision = "(rev " + Hex4(device.revision).substr(2) + ")";
+        EXPECT_EQ(run.out.find(revision) != std::string::npos, device.revision != 0) << run.out;
+        EXPECT_NE(run.out.find("Express (v2) Endpoint"), std::string::npos) << run.out;
         const std::string cap = LineStartingWith(run.out, "LnkCap:");
         const std::string status = LineStartingWith(run.out, "LnkSta:");
         EXPECT_NE(cap.find("Speed " + LspciSpeed(device.link.maxGeneration) + ","), std::string::npos) << cap;
         EXPECT_NE(cap.find("Width x" + std::to_string(device.link.maxWidth) + ","), std::string::npos) << cap;
         EXPECT_NE(status.find("Speed " + LspciSpeed(device.link.generation)), std::string::npos) << status;
         EXPECT_NE(status.find("Width x" + std::to_string(device.link.width)), std::string::npos) << status;
-        const auto vfs = std::count_if(spec_.devices.begin(), spec_.devices.end(),
-                                       [&](const DeviceSpec& vf) { return vf.parent == device.busId; });
+        const auto isVf = [&](const DeviceSpec& vf) { return vf.parent == device.busId; };
+        const auto vfs = std::count_if(spec_.devices.begin(), spec_.devices.end(), isVf);
         if (vfs > 0) {
+            const DeviceSpec& vf = *std::find_if(spec_.devices.begin(), spec_.devices.end(), isVf);
             EXPECT_NE(run.out.find("Number of VFs: " + std::to_string(vfs)), std::string::npos) << run.out;
+            EXPECT_NE(run.out.find("Device ID: " + Hex4(vf.deviceId)), std::string::npos) << run.out;
         }
     }
 }
