@@ -25,7 +25,9 @@ TEST_F(SlicesHost, CountingScanAndRecordsLeaveOutIdleClientsAndNodeHolders) {
     EXPECT_EQ(records[0].gpuInfo[2].sgpuId, -1);  // unused entries keep the fresh value
 }
 
-TEST_F(SlicesHost, OlderRecordVersionsCopyTheSameFields) {
+// The pids, memory, domains and slices of the older versions are compared with
+// the newest in python/tests/test_families.py; names and bus ids here.
+TEST_F(SlicesHost, OlderRecordVersionsCopyNamesAndBusIds) {
     std::vector<DkSmlProcessInfo_v3> v3(3);
     std::vector<DkSmlProcessInfo_v2> v2(3);
     std::vector<DkSmlProcessInfo> v1(3);
@@ -33,15 +35,8 @@ TEST_F(SlicesHost, OlderRecordVersionsCopyTheSameFields) {
     ASSERT_EQ(dkSmlGetProcessInfo_v2(3, v2.data()), DK_SML_SUCCESS);
     ASSERT_EQ(dkSmlGetProcessInfo(3, v1.data()), DK_SML_SUCCESS);
     for (size_t i = 0; i < 3; ++i) {
-        EXPECT_EQ(v1[i].pid, v3[i].pid);
         EXPECT_EQ(0, std::memcmp(v2[i].processName, v3[i].processName, sizeof(v3[i].processName)));
-        ASSERT_EQ(v2[i].gpuCount, v3[i].gpuCount);
-        for (uint32_t e = 0; e < v3[i].gpuCount; ++e) {
-            EXPECT_STREQ(v1[i].gpuInfo[e].bdf, v3[i].gpuInfo[e].bdf);
-            EXPECT_EQ(v1[i].gpuInfo[e].memoryUsed, v3[i].gpuInfo[e].memoryUsed);
-            EXPECT_EQ(v2[i].gpuInfo[e].vramTag, v3[i].gpuInfo[e].vramTag);
-            EXPECT_EQ(v2[i].gpuInfo[e].deviceId, v3[i].gpuInfo[e].deviceId);
-        }
+        for (uint32_t e = 0; e < v3[i].gpuCount; ++e) EXPECT_STREQ(v1[i].gpuInfo[e].bdf, v3[i].gpuInfo[e].bdf);
     }
 }
 
@@ -73,22 +68,16 @@ TEST_F(SlicesHost, IncludeAllAddsIdleClientsAndDeviceNodeHolders) {
     EXPECT_EQ(counted, count);
 }
 
-TEST_F(SlicesHost, SingleGpuProcessesFollowTheDevice) {
+// The newest form per device is checked in python/tests/test_families.py.
+TEST_F(SlicesHost, SingleGpuProcessesOfTheFirstFormNeedTheDevicesOwnGpuId) {
     std::vector<DkSmlProcessInfo> v1(4);
     uint32_t count = 4;
     ASSERT_EQ(dkSmlGetSingleGpuProcess(c_plainDevice, &count, v1.data()), DK_SML_SUCCESS);
     EXPECT_THAT(PidsOf(v1.data(), count), ElementsAre(c_trainPid, c_widePid));
     EXPECT_EQ(v1[0].gpuCount, 1u);
-
     // The slice parent has no GPU id of its own: only the slice-parent form serves it.
     count = 4;
     EXPECT_EQ(dkSmlGetSingleGpuProcess(c_sliceDevice, &count, v1.data()), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
-    std::vector<DkSmlProcessInfo_v3> v3(4);
-    count = 4;
-    ASSERT_EQ(dkSmlGetSingleGpuProcess_v3(c_sliceDevice, &count, v3.data()), DK_SML_SUCCESS);
-    EXPECT_THAT(PidsOf(v3.data(), count), ElementsAre(c_containerPid));  // first entry on the parent
-    count = 4;
-    EXPECT_EQ(dkSmlGetSingleGpuProcess_v3(42, &count, v3.data()), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
 }
 
 TEST_F(SlicesHost, CompatibilityViewSumsMemoryPerProcess) {
