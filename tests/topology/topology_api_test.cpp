@@ -24,14 +24,9 @@ using test::MakeHost;
 // outputs and unknown indices in tests/api; the tests here take the other
 // refusals, the failure paths and what dksmi does not print.
 
-TEST(TopologyApi, LevelRefusals) {
-    auto host = MakeHost("server");
-    DkSmlGpuTopologyLevel level;
-    EXPECT_EQ(dkSmlGetDeviceTopology(0, 6, &level), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);    // the limited DKK1
-    EXPECT_EQ(dkSmlGetDeviceTopology(100, 0, &level), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);  // a VF
-}
-
-TEST(TopologyApi, DistancesComeFromTheLinkRecords) {
+// Distances come from the link records; a mask of fewer words than the CPUs
+// holds the first ones; the limited DKK1 and a VF have no place.
+TEST(TopologyApi, DistancesShortMasksAndRefusals) {
     auto host = MakeHost("server");
     uint32_t distance = 0;
     EXPECT_EQ(dkSmlGetDeviceDistance(0, 1, &distance), DK_SML_SUCCESS);
@@ -41,6 +36,15 @@ TEST(TopologyApi, DistancesComeFromTheLinkRecords) {
     EXPECT_EQ(dkSmlGetDeviceDistance(2, 2, &distance), DK_SML_SUCCESS);
     EXPECT_EQ(distance, 0u);
     EXPECT_EQ(dkSmlGetDeviceDistance(0, 99, &distance), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+    uint32_t cpus[2] = {1, 1};
+    ASSERT_EQ(dkSmlGetCpuAffinity(3, 2, cpus), DK_SML_SUCCESS);  // node 1: 32-63 only fit
+    EXPECT_EQ(cpus[0], 0u);
+    EXPECT_EQ(cpus[1], 0xFFFFFFFFu);
+    DkSmlGpuTopologyLevel level;
+    EXPECT_EQ(dkSmlGetDeviceTopology(0, 6, &level), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);    // the limited DKK1
+    EXPECT_EQ(dkSmlGetDeviceTopology(100, 0, &level), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);  // a VF
+    uint32_t nodes = 0;
+    EXPECT_EQ(dkSmlGetNodeAffinity(6, 1, &nodes), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
 }
 
 TEST(TopologyApi, GpuWithoutLinkRecordsIsUnreachable) {
@@ -68,16 +72,6 @@ TEST(TopologyApi, GpuWithoutLinkRecordsIsUnreachable) {
     uint32_t nodesMask = 0;
     ASSERT_EQ(dkSmlGetNodeAffinity(4, 1, &nodesMask), DK_SML_SUCCESS);
     EXPECT_EQ(nodesMask, 0u);  // its CPU-node record went too
-}
-
-TEST(TopologyApi, CpuMaskTruncatesToTheCallersWordsAndRefusesALimitedDevice) {
-    auto host = MakeHost("server");
-    uint32_t cpus[2] = {1, 1};
-    ASSERT_EQ(dkSmlGetCpuAffinity(3, 2, cpus), DK_SML_SUCCESS);  // node 1: 32-63 only fit
-    EXPECT_EQ(cpus[0], 0u);
-    EXPECT_EQ(cpus[1], 0xFFFFFFFFu);
-    uint32_t nodes = 0;
-    EXPECT_EQ(dkSmlGetNodeAffinity(6, 1, &nodes), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);  // the limited DKK1
 }
 
 // Records the CPU sets instead of pinning.
@@ -160,19 +154,9 @@ TEST(TopologyApi, PinnedThreadRunsOnlyOnTheGpusCpus) {
     }
 }
 
-TEST(TopologyApi, NetworkInterfaceIndicesOutOfRange) {
-    setenv("DK_SMI_NIC_VENDOR", "0x15b3", 1);
-    auto host = MakeHost("workstation");
-    unsetenv("DK_SMI_NIC_VENDOR");
-    std::shared_ptr<DkTopology> topology = DkSystemManager::GetInstance().GetTopology();
-    ASSERT_TRUE(topology);
-    DkSmlGpuTopologyLevel level;
-    EXPECT_EQ(topology->GetNiTopology(0, 10001, &level), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
-    EXPECT_EQ(topology->GetNiTopology(1, 0, &level), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
-    EXPECT_EQ(topology->GetNiTopology(0, 2, &level), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
-}
-
-TEST(TopologyApi, WithoutTheSwitchLinkDifferentRootComplexesAreLevel4) {
+// Without the switch link, a network card and a GPU under different root
+// complexes of one node are on the same NUMA node.
+TEST(TopologyApi, NetworkCardsWithoutTheSwitchLinkAndOutOfRange) {
     nlohmann::json profile = vhost::LoadProfile("workstation");
     profile["files"].erase("/sys/kernel/pci_switch_link/virtual_switch_links/0000:80:03.0/0000:00:01.0");
     // A directory that loops back on itself must not hang the walk.
@@ -188,6 +172,10 @@ TEST(TopologyApi, WithoutTheSwitchLinkDifferentRootComplexesAreLevel4) {
     DkSmlGpuTopologyLevel level;
     ASSERT_EQ(topology->GetNiTopology(0, 0, &level), DK_SML_SUCCESS);
     EXPECT_EQ(level, DK_SML_TOPOLOGY_NUMA_NODE);
+    // Network card 0 and GPUs 0 and 1 only: other indices are out of range.
+    EXPECT_EQ(topology->GetNiTopology(0, 10001, &level), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+    EXPECT_EQ(topology->GetNiTopology(1, 0, &level), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+    EXPECT_EQ(topology->GetNiTopology(0, 2, &level), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
     const auto& switches = topology->GetVirtualSwitchMap();
     ASSERT_EQ(switches.count("0000:80:03.0"), 1u);
     EXPECT_EQ(switches.at("0000:80:03.0"), std::vector<std::string>{"readme"});
