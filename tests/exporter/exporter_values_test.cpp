@@ -95,7 +95,8 @@ protected:
         for (const char* direction : {"inbound", "outbound"}) {
             Labels l = gpu;
             l["direction"] = direction;
-            ExpectTable("dksml_interconnect_bandwidth", l, links[std::string("bandwidth_") + direction], "link", "value");
+            ExpectTable("dksml_interconnect_bandwidth", l, links[std::string("bandwidth_") + direction], "link",
+                        "value");
         }
     }
     void ExpectVersions(const Labels& gpu, const json& versions) {
@@ -119,7 +120,8 @@ protected:
         ExpectValue("dksml_clock_throttle_reasons_mask", d, die["throttle_reasons_mask"]);
         ExpectValue("dksml_temperature_hottest_sensor_index", d, die["hottest_sensor_index"]);
         // One series per reason bit in force.
-        const uint64_t mask = die["throttle_reasons_mask"].is_number() ? die["throttle_reasons_mask"].get<uint64_t>() : 0;
+        const uint64_t mask =
+            die["throttle_reasons_mask"].is_number() ? die["throttle_reasons_mask"].get<uint64_t>() : 0;
         for (unsigned bit = 0; bit < 32; ++bit) {
             Labels l = d;
             l["reason"] = "bit" + std::to_string(bit);
@@ -141,7 +143,8 @@ protected:
         for (const auto& [sensor, value] : die["temperatures_c"].items()) {
             Labels l = d;
             if (sensor != "hot_limit") l["sensor"] = sensor;
-            ExpectValue(sensor == "hot_limit" ? "dksml_temperature_limit_celsius" : "dksml_temperature_celsius", l, value);
+            ExpectValue(sensor == "hot_limit" ? "dksml_temperature_limit_celsius" : "dksml_temperature_celsius", l,
+                        value);
         }
         ExpectTable("dksml_temperature_sensor_celsius", d, die["sensor_table_c"], "row", "slot");
         ExpectTable("dksml_voltage_monitor_raw", d, die["voltage_monitor_raw"], "row", "slot");

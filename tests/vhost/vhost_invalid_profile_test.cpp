@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
-#include <utility>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 

@@ -26,8 +26,8 @@ json OneGpu(json device) {
 TEST(ProfileOverrides, DeviceAndDieAttributes) {
     const ScopedHost host(OneGpu({
         {"attributes", {{"showtemp", "hotspot: 70\n"}, {"pcipowerstate", nullptr}, {"showhbmtemp", "hbm0: 55\n"}}},
-        {"dies", json::array({json::object(),
-                              {{"attributes", {{"showtemp", "hotspot: 90\n"}, {"fan_ctrl", nullptr}}}}})},
+        {"dies",
+         json::array({json::object(), {{"attributes", {{"showtemp", "hotspot: 90\n"}, {"fan_ctrl", nullptr}}}}})},
     }));
     EXPECT_EQ(host.ReadFile(c_dir + "/smi/showtemp"), "hotspot: 70\n");
     EXPECT_EQ(host.ReadFile(c_dir + "/smi1/showtemp"), "hotspot: 90\n");
