@@ -69,12 +69,6 @@ std::string Attribute(const std::string& tag, const std::string& name) {
     return tag.substr(start, tag.find('"', start) - start);
 }
 
-// Empty when `tool` is on PATH, else the reason a test skips.
-std::string MissingTool(const std::string& tool) {
-    if (RunTool("command -v " + tool).status == 0) return "";
-    return tool + " is not installed (scripts/install-deps.sh installs pciutils and hwloc-nox)";
-}
-
 // Runs `command` through the shell with stdout and stderr captured apart.
 ToolRun RunTool(const std::string& command) {
     char errTemplate[] = "/tmp/dksml-tool-stderr-XXXXXX";
@@ -96,6 +90,12 @@ ToolRun RunTool(const std::string& command) {
     }
     std::remove(errTemplate);
     return run;
+}
+
+// Empty when `tool` is on PATH, else the reason a test skips.
+std::string MissingTool(const std::string& tool) {
+    if (RunTool("command -v " + tool).status == 0) return "";
+    return tool + " is not installed (scripts/install-deps.sh installs pciutils and hwloc-nox)";
 }
 
 std::string Lspci(const std::filesystem::path& root, const std::string& options) {
