@@ -1,6 +1,5 @@
 // Topology and affinity through the exported functions on virtual hosts.
 #include <gtest/gtest.h>
-#include <pthread.h>
 #include <sched.h>
 #include <unistd.h>
 
@@ -74,12 +73,11 @@ TEST(TopologyApi, GpuWithoutLinkRecordsIsUnreachable) {
     EXPECT_EQ(nodesMask, 0u);  // its CPU-node record went too
 }
 
-// Records the CPU sets instead of pinning.
+// Records the CPU sets instead of pinning (that the calling thread is pinned,
+// with a set of the right size, is seen by the real-thread test below).
 class RecordingSysUtils : public DkSysUtils {
 public:
-    int PthreadSetaffinityNp(unsigned long thread, unsigned long size, const cpu_set_t* set) override {
-        lastThread = thread;
-        lastSize = size;
+    int PthreadSetaffinityNp(unsigned long /*thread*/, unsigned long /*size*/, const cpu_set_t* set) override {
         cpus.clear();
         for (int cpu = 0; cpu < 1024; ++cpu) {
             if (CPU_ISSET(cpu, set)) cpus.insert(cpu);
@@ -87,8 +85,6 @@ public:
         return result;
     }
     int GetNprocs() override { return 6; }
-    unsigned long lastThread = 0;
-    unsigned long lastSize = 0;
     std::set<int> cpus;
     int result = 0;
 };
@@ -99,8 +95,6 @@ TEST(TopologyApi, PinningGoesThroughTheSystemUtilities) {
     RecordingSysUtils* utils = owned.get();
     ASSERT_EQ(DkSystemManager::GetInstance().Initialize(g_dkDeviceSearchPath, std::move(owned), 1), DK_SML_SUCCESS);
     ASSERT_EQ(dkSmlSetCpuAffinity(3), DK_SML_SUCCESS);
-    EXPECT_EQ(utils->lastSize, 128u);
-    EXPECT_EQ(utils->lastThread, static_cast<unsigned long>(pthread_self()));
     std::set<int> expected;
     for (int cpu = 32; cpu < 64; ++cpu) expected.insert(cpu);
     for (int cpu = 96; cpu < 128; ++cpu) expected.insert(cpu);
