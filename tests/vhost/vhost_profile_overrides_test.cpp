@@ -55,21 +55,6 @@ TEST(ProfileOverrides, LayoutNodeCanBeLeftOut) {
     EXPECT_TRUE(fs::exists(host.Path(c_dir + "/smi/pcipowerstate")));
 }
 
-TEST(ProfileOverrides, IdentityFollowsTheProductTable) {
-    json profile = OneGpu({{"vendor", "partner"}});
-    profile["devices"].push_back(
-        {{"bus_id", "0000:3b:00.4"}, {"function", "vf"}, {"model", "DKK6-A"}, {"parent", "0000:3b:00.0"}});
-    const ScopedHost host(profile);
-    EXPECT_EQ(host.ReadFile(c_dir + "/vendor"), "0x1e28\n");
-    EXPECT_EQ(host.ReadFile(c_dir + "/device"), "0x1601\n");
-    EXPECT_EQ(host.ReadFile("/sys/bus/pci/devices/0000:3b:00.4/device"), "0x1681\n");
-    EXPECT_EQ(host.ReadFile("/sys/bus/pci/devices/0000:3b:00.4/smi/showcardname"), "DKK6-A VF\n");
-    EXPECT_EQ(fs::canonical(host.Path("/sys/bus/pci/devices/0000:3b:00.4/driver")).filename(), "DKGVM");
-    // A virtual function sits beside its physical function.
-    EXPECT_EQ(fs::canonical(host.Path("/sys/bus/pci/devices/0000:3b:00.4")).parent_path(),
-              fs::canonical(host.Path(c_dir)).parent_path());
-}
-
 TEST(ProfileOverrides, LinksReachTheLinkFilesOfFunctionsAndBridges) {
     json profile = LoadProfile("empty");
     profile["devices"][2]["pcie"] = {{"max_gen", 3}, {"max_width", 8}, {"width", 4}};
