@@ -9,11 +9,10 @@
 #include <vector>
 
 #include "api_host.h"
+#include "support/dk_server_suite.h"
 
 namespace dksml::test {
 namespace {
-
-using namespace std::string_view_literals;
 
 // Every per-handle compatibility export as a table entry, callable with any
 // handle and with null or valid outputs.
@@ -100,13 +99,8 @@ const std::vector<CompatExport>& CompatExports() {
 
 #undef DK_COMPAT
 
-class CompatServerTest : public ::testing::Test {
+class CompatServerTest : public ServerSuite {
 protected:
-    static void SetUpTestSuite() { host = MakeHost("server"sv).release(); }
-    static void TearDownTestSuite() {
-        delete host;
-        host = nullptr;
-    }
     void SetUp() override { ASSERT_GT(dkSmlGetDeviceCount(), 0u) << "discovery found no device on the server host"; }
 
     static DkSmlExDevice HandleAt(uint32_t index) {
@@ -114,8 +108,6 @@ protected:
         EXPECT_EQ(dkSmlExGetDeviceHandleByIndex(index, &handle), DK_SML_EX_SUCCESS) << index;
         return handle;
     }
-
-    static inline vhost::ScopedHost* host = nullptr;
 };
 
 // Null and forged handles are refused before anything is read, whatever the

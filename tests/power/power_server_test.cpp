@@ -6,8 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "dksml.h"
-#include "vhost/dk_virtual_host.h"
+#include "support/dk_server_suite.h"
 
 namespace dksml::test {
 namespace {
@@ -26,21 +25,11 @@ std::vector<long long> Values(const std::string& text, const std::string& fragme
     return {};
 }
 
-class PowerServer : public ::testing::Test {
+class PowerServer : public ServerSuite {
 protected:
-    static void SetUpTestSuite() {
-        host = new vhost::ScopedHost("server");
-        ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
-    }
-    static void TearDownTestSuite() {
-        delete host;
-        host = nullptr;
-    }
     static std::string Attr(const std::string& bdf, const std::string& name, int die = 0) {
         return host->ReadFile("/sys/bus/pci/devices/" + bdf + (die == 0 ? "/smi/" : "/smi1/") + name);
     }
-
-    static inline vhost::ScopedHost* host = nullptr;
 };
 
 // The server's devices by bus id, with the index the golden transcripts pin.
@@ -48,10 +37,9 @@ struct ServerDevice {
     const char* bdf;
     uint32_t index;
 };
-constexpr ServerDevice c_twoDie{"0000:1b:00.0", 0};     // DKK6-A, brand 4, two dies
+constexpr ServerDevice c_twoDie{"0000:1b:00.0", 0};     // DKK6-A, two dies, reports its two-device board
 constexpr ServerDevice c_hostOfVfs{"0000:1e:00.0", 2};  // DKK2, brand 2, hosts two VFs
 constexpr ServerDevice c_vf{"0000:1e:00.1", 100};
-constexpr ServerDevice c_boardMaster{"0000:1b:00.0", 0};  // reports its two-device board
 constexpr ServerDevice c_boardSecond{"0000:1c:00.0", 1};  // DKK6-AL on the same board
 
 // The values are in the golden transcripts; the refusals are not.
@@ -70,7 +58,7 @@ TEST_F(PowerServer, SecondDeviceOfABoardReportsThroughItsMaster) {
     ASSERT_NE(Attr(c_boardSecond.bdf, "showboardpowerinfo").find("not support"), std::string::npos);
     uint32_t board = 0, otherBoard = 0;
     ASSERT_EQ(dkSmlGetDeviceBoardId(c_boardSecond.index, &board), DK_SML_SUCCESS);
-    ASSERT_EQ(dkSmlGetDeviceBoardId(c_boardMaster.index, &otherBoard), DK_SML_SUCCESS);
+    ASSERT_EQ(dkSmlGetDeviceBoardId(c_twoDie.index, &otherBoard), DK_SML_SUCCESS);
     EXPECT_EQ(board, otherBoard);
     DkSmlBoardWayElectricInfo ways[2]{};
     uint32_t count = 1;
@@ -79,15 +67,13 @@ TEST_F(PowerServer, SecondDeviceOfABoardReportsThroughItsMaster) {
     EXPECT_EQ(dkSmlGetBoardPowerInfo(c_boardSecond.index, &count, ways), DK_SML_SUCCESS);
 }
 
+// The usable devices' states are in the golden --json transcripts.
 TEST_F(PowerServer, PciPowerStateAlsoForTheLimitedDevice) {
     DkSmlPciPowerState state = DK_SML_PCI_POWER_STATE_D3COLD;
-    EXPECT_EQ(dkSmlGetPciPowerState(c_twoDie.index, &state), DK_SML_SUCCESS);
-    EXPECT_EQ(state, DK_SML_PCI_POWER_STATE_D0);
     DkSmlLimitedDeviceInfo limited{};
     ASSERT_EQ(dkSmlGetLimitedDeviceInfo(6, &limited), DK_SML_SUCCESS);  // after the six usable GPUs
     // The limited device is the one without the file: it is asked, not skipped.
     EXPECT_EQ(dkSmlGetPciPowerState(6, &state), DK_SML_ERROR_NOT_SUPPORTED);
-    EXPECT_EQ(dkSmlGetPciPowerState(4242, &state), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
 }
 
 TEST_F(PowerServer, IpStatesAreBitsOfTheDiesMask) {
@@ -112,18 +98,14 @@ TEST_F(PowerServer, CompatibilityFamilyConvertsUnits) {
     uint32_t limit = 0;
     ASSERT_EQ(dkSmlExGetPowerManagementLimit(handle, &limit), DK_SML_EX_SUCCESS);
     EXPECT_EQ(limit, std::stoul(Attr(c_twoDie.bdf, "config_tbp")) * 1000);
+    // The memory total of every device, and the refusal of a board without
+    // memory figures, are compared with the native family in the Python tests.
     DkSmlExMemory memory{};
     ASSERT_EQ(dkSmlExDeviceGetMemoryInfo(handle, &memory), DK_SML_EX_SUCCESS);
-    DkSmlMemoryInfo native{};
-    ASSERT_EQ(dkSmlGetDieMemoryInfo(c_twoDie.index, 0, &native), DK_SML_SUCCESS);
-    EXPECT_EQ(memory.total, native.pool[0].total * 1024);
     EXPECT_EQ(memory.free, memory.total - memory.used);
     DkSmlExUtilization utilization{};
     ASSERT_EQ(dkSmlExDeviceGetUtilization(handle, &utilization), DK_SML_EX_SUCCESS);
     EXPECT_LE(utilization.memory, 100u);
-
-    ASSERT_EQ(dkSmlExGetDeviceHandleByPciBusId(c_hostOfVfs.bdf, &handle), DK_SML_EX_SUCCESS);
-    EXPECT_EQ(dkSmlExDeviceGetMemoryInfo(handle, &memory), DK_SML_EX_ERROR_NOT_SUPPORTED);
 }
 
 }  // namespace

@@ -1,14 +1,12 @@
 // The clock, throttle, temperature, fan and die-record exports on the
 // "server" virtual host: the argument checks, refusals and the record forms
-// (the readings themselves are in the golden dksmi transcripts; null pointers
+// (the readings, die records and sensor tables are in the golden dksmi
+// transcripts; null pointers
 // and unknown indices of the other exports in the native frame test; the
 // voltage rows' count protocol and values in the Python module's tests).
 #include <gtest/gtest.h>
 
-#include <string_view>
-
-#include "dksml.h"
-#include "vhost/dk_virtual_host.h"
+#include "support/dk_server_suite.h"
 
 namespace dksml::test {
 namespace {
@@ -16,20 +14,8 @@ namespace {
 constexpr uint32_t c_twoDieDevice = 0;  // 0000:1b:00.0
 constexpr uint32_t c_unknownIndex = 4242;
 
-// One host and one discovery for the whole suite: the readings do not change
-// the host.
-class TelemetryApiTest : public ::testing::Test {
-protected:
-    static void SetUpTestSuite() {
-        host = new vhost::ScopedHost(std::string_view("server"));
-        ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
-    }
-    static void TearDownTestSuite() {
-        delete host;
-        host = nullptr;
-    }
-    static inline vhost::ScopedHost* host = nullptr;
-};
+// One host for the whole suite: the readings do not change the host.
+using TelemetryApiTest = ServerSuite;
 
 TEST_F(TelemetryApiTest, RefusesNullPointersUnknownDevicesDiesAndSensors) {
     DkSmlTemperature record{};
@@ -75,13 +61,6 @@ TEST_F(TelemetryApiTest, RecordAgreesWithTheSingleSensorReadsOnEveryDie) {
         EXPECT_EQ(record.hotspot, hotspot);
         EXPECT_EQ(record.soc, soc);
     }
-}
-
-TEST_F(TelemetryApiTest, SensorTableHoldsTheDriversRows) {
-    DkSmlTemperatureSensorForAll table{};
-    ASSERT_EQ(dkSmlGetDieTemperatureSensor(c_twoDieDevice, 1, &table), DK_SML_SUCCESS);
-    ASSERT_GT(table.rowCount, 0u);
-    EXPECT_GT(table.rows[0].count, 0u);
 }
 
 }  // namespace
