@@ -14,35 +14,27 @@ namespace {
 
 std::shared_ptr<IDkDevice> Device(uint32_t index) { return DkSystemManager::GetInstance().GetDeviceById(index); }
 
-TEST(DeviceName, SiteOverrideNamesEveryDevice) {
+// The driver's card name (cut to the field), else the board table; a site
+// override names every device.
+TEST(DeviceName, DriverCardNameThenBoardTableThenSiteOverride) {
     vhost::ScopedHost host("server"sv);
-    host.WriteFile("/opt/smi/etc/chipname", "Lab Board 7\nignored\n");
-    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
-    EXPECT_STREQ(InfoOf(0).deviceName, "Lab Board 7");
-    EXPECT_STREQ(InfoOf(100).deviceName, "Lab Board 7");
-}
-
-TEST(DeviceName, DriverCardNameThenBoardTable) {
-    vhost::ScopedHost host("server"sv);
-    host.WriteFile(SmiFile("0000:1b:00.0", "showcardname"), "DKK6-A Custom Cooling\n");
+    const std::string longName(100, 'n');
+    host.WriteFile(SmiFile("0000:1b:00.0", "showcardname"), longName + "\n");
     host.Remove(SmiFile("0000:1c:00.0", "showcardname"));
     host.Remove(SmiFile("0000:1e:00.2", "showcardname"));
     host.WriteFile(SmiFile("0000:b0:00.0", "showcardname"), "");  // no line: falls through
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
-    EXPECT_STREQ(InfoOf(0).deviceName, "DKK6-A Custom Cooling");
-    EXPECT_STREQ(InfoOf(1).deviceName, "DKK6-AL");
-    EXPECT_STREQ(InfoOf(101).deviceName, "DKK2 VF");
-    EXPECT_STREQ(InfoOf(4).deviceName, "DKK6U");
-}
-
-TEST(DeviceName, LongNamesAreCutToTheField) {
-    vhost::ScopedHost host("server"sv);
-    const std::string longName(100, 'n');
-    host.WriteFile(SmiFile("0000:1b:00.0", "showcardname"), longName + "\n");
-    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
     DkSmlDeviceInfo info = InfoOf(0);
     EXPECT_EQ(std::strlen(info.deviceName), sizeof(info.deviceName) - 1);
     EXPECT_EQ(Device(0)->GetDeviceName(), longName);
+    EXPECT_STREQ(InfoOf(1).deviceName, "DKK6-AL");
+    EXPECT_STREQ(InfoOf(101).deviceName, "DKK2 VF");
+    EXPECT_STREQ(InfoOf(4).deviceName, "DKK6U");
+
+    host.WriteFile("/opt/smi/etc/chipname", "Lab Board 7\nignored\n");
+    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    EXPECT_STREQ(InfoOf(0).deviceName, "Lab Board 7");
+    EXPECT_STREQ(InfoOf(100).deviceName, "Lab Board 7");
 }
 
 // Brand: x-series ISA, then the ISA map, then the device id, else unknown.

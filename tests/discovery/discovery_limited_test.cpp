@@ -20,16 +20,14 @@ DkSmlLimitedDeviceInfo LimitedInfoOf(uint32_t index) {
 // "pcipowerstate"), its number and its reason are pinned by the golden
 // transcripts, as is every GPU of the host without the driver; its state is
 // not.
+// The usable devices report no reason; without a module list the reason
+// cannot be told.
 TEST(LimitedDevices, LimitedDeviceIsInactive) {
     auto host = Discovered("server"sv);
     ASSERT_EQ(LimitedIndices(), std::vector<uint32_t>{6});
     int32_t state = 7;
     EXPECT_EQ(dkSmlGetDeviceState(6, &state), DK_SML_SUCCESS);
     EXPECT_EQ(state, 0);
-}
-
-TEST(LimitedDevices, UsableDevicesReportNoReason) {
-    auto host = Discovered("server"sv);
     for (uint32_t index : {0u, 2u, 100u}) {
         DkSmlDeviceUnavailableReasonInfo reason{};
         reason.reason = 55;
@@ -40,6 +38,8 @@ TEST(LimitedDevices, UsableDevicesReportNoReason) {
     }
     DkSmlDeviceUnavailableReasonInfo reason{};
     EXPECT_EQ(dkSmlGetDeviceUnavailableReason(7, &reason), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+    host->Remove("/proc/modules");
+    EXPECT_EQ(dkSmlGetDeviceUnavailableReason(6, &reason), DK_SML_ERROR_SYSFS);
 }
 
 TEST(LimitedDevices, UnreadablePowerStateFileIsInaccessibleSysfs) {
@@ -90,13 +90,6 @@ TEST(LimitedDevices, VirtualFunctionsKeepTheirOwnNumbering) {
     uint32_t count = 4;
     ASSERT_EQ(dkSmlGetVirtualDevicesByPhysicalId(2, &count, vfs), DK_SML_SUCCESS);
     EXPECT_EQ(std::vector<uint32_t>(vfs, vfs + count), std::vector<uint32_t>{100});
-}
-
-TEST(LimitedDevices, UnreadableModuleListIsASysfsError) {
-    auto host = Discovered("server"sv);
-    host->Remove("/proc/modules");
-    DkSmlDeviceUnavailableReasonInfo reason{};
-    EXPECT_EQ(dkSmlGetDeviceUnavailableReason(6, &reason), DK_SML_ERROR_SYSFS);
 }
 
 TEST(LimitedDevices, ListFollowsTheCountRule) {

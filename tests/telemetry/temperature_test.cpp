@@ -95,13 +95,8 @@ TEST_F(TemperatureTest, TwoDieMergeIgnoresInvalidAndTakesTheLarger) {
     EXPECT_EQ(t.emcLocal, 3);
     EXPECT_EQ(t.hottestSensorIndex, 7);  // largest index, not the hottest die's
     EXPECT_EQ(t.emcRemote, c_invalid);
-}
-
-TEST_F(TemperatureTest, MergeStopsAtAFailingDie) {
-    device.dieCount = 2;
-    device.Serve(0, DRAVIK_SMI_SHOWTEMP, "soc: 55\n");
+    // The merge stops at a failing die.
     device.Fail(1, DRAVIK_SMI_SHOWTEMP, DK_SML_ERROR_SYSFS);
-    DkSmlTemperature t{};
     EXPECT_EQ(temperature.GetTemperature(&device, &t), DK_SML_ERROR_SYSFS);
 }
 
@@ -166,35 +161,26 @@ protected:
     DkSmlTemperatureSensorForAll table{};
 };
 
+// A literal 65535 ends a row, a row keeps at most 16 readings, an overlong
+// line does not spill into the next row, and rows stop at the table size.
 TEST_F(SensorTableTest, RowsAndCounts) {
-    WriteTable("row0: 45 46 47\nrow1: 1 2 65535 4\nrow2:\nrow3: 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17\n");
+    std::string text = "row0: 45 46 47\nrow1: 1 2 65535 4\nrow2:\nrow3: 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17\n";
+    text += "row4: 1 2" + std::string(10000, ' ') + "3\nrow5: 9\n";
+    for (int row = 6; row < 50; ++row) text += "row" + std::to_string(row) + ": " + std::to_string(row) + "\n";
+    WriteTable(text);
     ASSERT_EQ(temperature.GetTemperatureSensor(&device, &table), DK_SML_SUCCESS);
-    ASSERT_EQ(table.rowCount, 4u);
+    ASSERT_EQ(table.rowCount, static_cast<uint32_t>(DK_SML_TEMPERATURE_SENSOR_ROWS));
     EXPECT_EQ(table.rows[0].count, 3u);
     EXPECT_EQ(table.rows[0].readings[2], 47);
     EXPECT_EQ(table.rows[0].readings[3], c_invalid);
-    EXPECT_EQ(table.rows[1].count, 2u);  // a literal 65535 ends the row
+    EXPECT_EQ(table.rows[1].count, 2u);
     EXPECT_EQ(table.rows[1].readings[3], 4);
     EXPECT_EQ(table.rows[2].count, 0u);
     EXPECT_EQ(table.rows[3].count, 16u);
     EXPECT_EQ(table.rows[3].readings[15], 16);
-}
-
-TEST_F(SensorTableTest, StopsAtTheTableSize) {
-    std::string text;
-    for (int row = 0; row < 50; ++row) text += "row" + std::to_string(row) + ": " + std::to_string(row) + "\n";
-    WriteTable(text);
-    ASSERT_EQ(temperature.GetTemperatureSensor(&device, &table), DK_SML_SUCCESS);
-    EXPECT_EQ(table.rowCount, static_cast<uint32_t>(DK_SML_TEMPERATURE_SENSOR_ROWS));
+    EXPECT_EQ(table.rows[4].count, 2u);
+    EXPECT_EQ(table.rows[5].readings[0], 9);
     EXPECT_EQ(table.rows[DK_SML_TEMPERATURE_SENSOR_ROWS - 1].readings[0], DK_SML_TEMPERATURE_SENSOR_ROWS - 1);
-}
-
-TEST_F(SensorTableTest, OverlongLineDoesNotSpillIntoTheNextRow) {
-    WriteTable("row0: 1 2" + std::string(10000, ' ') + "3\nrow1: 9\n");
-    ASSERT_EQ(temperature.GetTemperatureSensor(&device, &table), DK_SML_SUCCESS);
-    ASSERT_EQ(table.rowCount, 2u);
-    EXPECT_EQ(table.rows[0].count, 2u);
-    EXPECT_EQ(table.rows[1].readings[0], 9);
 }
 
 TEST_F(SensorTableTest, GateAndMissingFile) {

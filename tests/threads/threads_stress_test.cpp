@@ -6,7 +6,7 @@
 // DKSML_STRESS_READERS the reader count; the queries-only scenario prints
 // the reader throughput. The handle rule itself (a forced pass refuses older
 // handles, forged ones are refused) is pinned in tests/discovery and
-// tests/api/compat_frame_test.cpp.
+// tests/api/compat_server_test.cpp.
 #include <gtest/gtest.h>
 
 #include <atomic>

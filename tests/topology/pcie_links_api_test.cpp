@@ -78,7 +78,7 @@ TEST(PcieApi, PciDelayAndGenerationOnlyOnTheInferenceLine) {
     EXPECT_EQ(dkSmlSetPciSpeed(1, DK_SML_PCI_GEN1), DK_SML_ERROR_NOT_SUPPORTED);
 }
 
-TEST(LinksApi, StateWriteCountersAndPortInfo) {
+TEST(LinksApi, StateWriteCountersPortInfoAndCompatibilityState) {
     auto host = MakeHost("server");
     uint32_t count = 16;
     uint32_t state = 0;
@@ -103,10 +103,8 @@ TEST(LinksApi, StateWriteCountersAndPortInfo) {
     EXPECT_EQ(info.width[6], 16u);
     EXPECT_EQ(info.state[0], 2u);
     EXPECT_EQ(info.state[7], 5u);
-}
 
-TEST(LinksApi, CompatibilityLinkState) {
-    auto host = MakeHost("server");
+    // The same device through the compatibility family.
     DkSmlExDevice device = nullptr;
     ASSERT_EQ(dkSmlExGetDeviceHandleByPciBusId("0000:b0:00.0", &device), DK_SML_EX_SUCCESS);
     DkSmlExEnableState active{};
