@@ -78,8 +78,25 @@ TEST(PcieApi, PciDelayAndGenerationOnlyOnTheInferenceLine) {
     EXPECT_EQ(dkSmlSetPciSpeed(1, DK_SML_PCI_GEN1), DK_SML_ERROR_NOT_SUPPORTED);
 }
 
-TEST(LinksApi, StateWriteCountersPortInfoAndCompatibilityState) {
+// The compatibility family reads the link state before the native write
+// below turns the links off.
+TEST(LinksApi, CompatibilityStateThenStateWriteCountersAndPortInfo) {
     auto host = MakeHost("server");
+    DkSmlExDevice device = nullptr;
+    ASSERT_EQ(dkSmlExGetDeviceHandleByPciBusId("0000:b0:00.0", &device), DK_SML_EX_SUCCESS);
+    DkSmlExEnableState active{};
+    ASSERT_EQ(dkSmlExDeviceGetDravikLinkState(device, 0, &active), DK_SML_EX_SUCCESS);
+    EXPECT_EQ(active, DK_SML_EX_FEATURE_ENABLED);
+    EXPECT_EQ(dkSmlExDeviceGetDravikLinkState(device, 7, &active), DK_SML_EX_ERROR_NOT_SUPPORTED);
+    uint32_t width = 0;
+    ASSERT_EQ(dkSmlExGetMaxPcieLinkWidth(device, &width), DK_SML_EX_SUCCESS);
+    EXPECT_EQ(width, 16u);
+    ASSERT_EQ(dkSmlExDeviceGetCurrPcieLinkWidth(device, &width), DK_SML_EX_SUCCESS);
+    EXPECT_EQ(width, 16u);
+    uint32_t bytes = 0;
+    EXPECT_EQ(dkSmlExGetPcieThroughput(device, DK_SML_EX_PCIE_UTIL_RX_BYTES, &bytes), DK_SML_EX_SUCCESS);
+    EXPECT_GT(bytes, 0u);
+
     uint32_t count = 16;
     uint32_t state = 0;
     char text[32] = {};
@@ -103,22 +120,6 @@ TEST(LinksApi, StateWriteCountersPortInfoAndCompatibilityState) {
     EXPECT_EQ(info.width[6], 16u);
     EXPECT_EQ(info.state[0], 2u);
     EXPECT_EQ(info.state[7], 5u);
-
-    // The same device through the compatibility family.
-    DkSmlExDevice device = nullptr;
-    ASSERT_EQ(dkSmlExGetDeviceHandleByPciBusId("0000:b0:00.0", &device), DK_SML_EX_SUCCESS);
-    DkSmlExEnableState active{};
-    ASSERT_EQ(dkSmlExDeviceGetDravikLinkState(device, 0, &active), DK_SML_EX_SUCCESS);
-    EXPECT_EQ(active, DK_SML_EX_FEATURE_ENABLED);
-    EXPECT_EQ(dkSmlExDeviceGetDravikLinkState(device, 7, &active), DK_SML_EX_ERROR_NOT_SUPPORTED);
-    uint32_t width = 0;
-    ASSERT_EQ(dkSmlExGetMaxPcieLinkWidth(device, &width), DK_SML_EX_SUCCESS);
-    EXPECT_EQ(width, 16u);
-    ASSERT_EQ(dkSmlExDeviceGetCurrPcieLinkWidth(device, &width), DK_SML_EX_SUCCESS);
-    EXPECT_EQ(width, 16u);
-    uint32_t bytes = 0;
-    EXPECT_EQ(dkSmlExGetPcieThroughput(device, DK_SML_EX_PCIE_UTIL_RX_BYTES, &bytes), DK_SML_EX_SUCCESS);
-    EXPECT_GT(bytes, 0u);
 }
 
 }  // namespace
