@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <span>
 
 #include "core/dk_unavailable_reason.h"
 #include "driver/dk_read_session.h"
@@ -72,9 +73,10 @@ std::optional<T> ReadValue(Read&& read) {
     return value;
 }
 
-std::vector<ClockReading> ToClockReadings(const DkSmlClocksFreqForAll& all) {
+// `shown`: only the first `shown` blocks of kClockMembers.
+std::vector<ClockReading> ToClockReadings(const DkSmlClocksFreqForAll& all, size_t shown = kClockMembers.size()) {
     std::vector<ClockReading> readings;
-    for (const ClockMember& entry : kClockMembers) {
+    for (const ClockMember& entry : std::span(kClockMembers).first(shown)) {
         const DkSmlClockFreq& freq = all.*entry.member;
         ClockReading reading{entry.ip, std::nullopt};
         if (freq.count > 0) {
@@ -106,13 +108,16 @@ ReadingRows ToVoltageRows(const std::vector<DkSmlVmInfo>& entries) {
     return rows;
 }
 
-// What the summary table shows of a die: die 0's clocks. Its temperature
-// record decides whether the device's hot spot is asked for (HotspotReadable)
-// and is the file that query reads first.
+// The table's clock columns: xcore, soc and mc, the first blocks of kClockMembers.
+constexpr size_t kSummaryClockBlocks = 3;
+
+// What the summary table shows of a die: die 0's clocks of the table's
+// columns. Its temperature record decides whether the device's hot spot is
+// asked for (HotspotReadable) and is the file that query reads first.
 DieReport CollectSummaryDie(uint32_t index) {
     DieReport report;
     DkSmlClocksFreqForAll clocks{};
-    if (dkSmlGetClocks(index, 0, &clocks) == DK_SML_SUCCESS) report.clocks = ToClockReadings(clocks);
+    if (dkSmlGetClocks(index, 0, &clocks) == DK_SML_SUCCESS) report.clocks = ToClockReadings(clocks, kSummaryClockBlocks);
     // Only whether the record reads matters here: no field of it is shown.
     DkSmlTemperature record{};
     if (ReadDieTemperatureRecord(index, 0, record) == DK_SML_SUCCESS) report.temperatures.emplace();
