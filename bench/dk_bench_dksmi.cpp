@@ -23,12 +23,12 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <algorithm>
 #include <iterator>
 #include <map>
 #include <set>
@@ -263,7 +263,8 @@ BENCHMARK(BM_DksmiRun8Gpus)->Unit(benchmark::kMillisecond);
 int main(int argc, char** argv) {
     // The recorded run: the host root comes from DK_SMI_FSROOT, inherited.
     if (argc > 1 && std::strcmp(argv[1], c_onceFlag) == 0) return RunDksmiOnce() > 0 ? 0 : 1;
-    if (argc > 1 && std::strcmp(argv[1], c_discoveryOnceFlag) == 0) return dkSmlInitWithFlags(1) == DK_SML_SUCCESS ? 0 : 1;
+    if (argc > 1 && std::strcmp(argv[1], c_discoveryOnceFlag) == 0)
+        return dkSmlInitWithFlags(1) == DK_SML_SUCCESS ? 0 : 1;
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     benchmark::RunSpecifiedBenchmarks();

@@ -117,7 +117,8 @@ constexpr size_t kSummaryClockBlocks = 3;
 DieReport CollectSummaryDie(uint32_t index) {
     DieReport report;
     DkSmlClocksFreqForAll clocks{};
-    if (dkSmlGetClocks(index, 0, &clocks) == DK_SML_SUCCESS) report.clocks = ToClockReadings(clocks, kSummaryClockBlocks);
+    if (dkSmlGetClocks(index, 0, &clocks) == DK_SML_SUCCESS)
+        report.clocks = ToClockReadings(clocks, kSummaryClockBlocks);
     // Only whether the record reads matters here: no field of it is shown.
     DkSmlTemperature record{};
     if (ReadDieTemperatureRecord(index, 0, record) == DK_SML_SUCCESS) report.temperatures.emplace();
@@ -284,7 +285,8 @@ Snapshot Collect(DkSmlReturn initStatus, CollectScope scope) {
     Snapshot snapshot;
     snapshot.initStatus = initStatus;
     for (uint32_t index : DeviceIndices()) {
-        if (std::optional<DeviceReport> device = CollectDevice(index, scope)) snapshot.devices.push_back(std::move(*device));
+        if (std::optional<DeviceReport> device = CollectDevice(index, scope))
+            snapshot.devices.push_back(std::move(*device));
     }
     LinkVirtualFunctionsToParents(snapshot.devices);
     CollectSystemVersions(snapshot, scope == CollectScope::SummaryTable);
