@@ -30,8 +30,6 @@ protected:
         m_node = m_dir.Mkdir("nodes/3");
         FakeDevice device(m_smi0, m_smi1, m_node);
         m_handler.UpdateDeviceProperties(&device);
-        EXPECT_EQ(device.smiQueries, (std::vector<unsigned int>{0, 1}));
-        EXPECT_EQ(device.nodeQueries, 1);
     }
 
     TempDir m_dir;
@@ -89,45 +87,36 @@ TEST_F(HandlerTest, UpdateDoesNotAddTheHostRoot) {
 
 // --- fetch ----------------------------------------------------------------------
 
-TEST_F(HandlerTest, FetchReturnsTheWholeText) {
-    m_dir.Write("dev/smi/showclocks", "GFX: 1200\nMEM: 800\n");
-    std::string text = "old";
-    ASSERT_EQ(m_handler.FetchData(0, DRAVIK_SMI_SHOWCLOCKS, text), DK_SML_SUCCESS);
-    EXPECT_EQ(text, "GFX: 1200\nMEM: 800\n");
-}
-
-TEST_F(HandlerTest, FetchDie2ReadsSmi1) {
-    m_dir.Write("dev/smi/showtemp", "die0\n");
-    m_dir.Write("dev/smi1/showtemp", "die1\n");
-    std::string text;
-    ASSERT_EQ(m_handler.FetchData(2, DRAVIK_SMI_SHOWTEMP, text), DK_SML_SUCCESS);
-    EXPECT_EQ(text, "die1\n");
-    ASSERT_EQ(m_handler.FetchData(1, DRAVIK_SMI_SHOWTEMP, text), DK_SML_SUCCESS);
-    EXPECT_EQ(text, "die1\n");
-    ASSERT_EQ(m_handler.FetchData(0, DRAVIK_SMI_SHOWTEMP, text), DK_SML_SUCCESS);
-    EXPECT_EQ(text, "die0\n");
-}
-
-TEST_F(HandlerTest, FetchAbsentIs3AndLeavesTheOutput) {
-    std::string text = "untouched";
-    EXPECT_EQ(m_handler.FetchData(0, DRAVIK_SMI_SHOWVBIOS, text), DK_SML_ERROR_NOT_SUPPORTED);
-    EXPECT_EQ(text, "untouched");
-}
-
-TEST_F(HandlerTest, FetchUnreadableIs4AndLeavesTheOutput) {
-    m_dir.Mkdir("dev/smi/showuse");  // present but cannot be read as a file
-    std::string text = "untouched";
-    EXPECT_EQ(m_handler.FetchData(0, DRAVIK_SMI_SHOWUSE, text), DK_SML_ERROR_SYSFS);
-    EXPECT_EQ(text, "untouched");
-}
-
-TEST_F(HandlerTest, FetchLargeAttribute) {
+// Each die reads its directory (every die past 0 "smi1"), the whole text of
+// small and large files; an absent file is 3, one that cannot be read as a
+// file 4, and both leave the output alone.
+TEST_F(HandlerTest, FetchTable) {
     std::string big;
     for (int i = 0; big.size() < 70000; ++i) big += "row" + std::to_string(i) + ": 1 2 3\n";
+    m_dir.Write("dev/smi/showclocks", "GFX: 1200\nMEM: 800\n");
+    m_dir.Write("dev/smi/showtemp", "die0\n");
+    m_dir.Write("dev/smi1/showtemp", "die1\n");
     m_dir.Write("dev/smi/dumppptable", big);
-    std::string text;
-    ASSERT_EQ(m_handler.FetchData(0, DRAVIK_SMI_DUMPPPTABLE, text), DK_SML_SUCCESS);
-    EXPECT_EQ(text, big);
+    m_dir.Mkdir("dev/smi/showuse");
+    const struct {
+        unsigned int die;
+        dravik_smi_opcode op;
+        DkSmlReturn code;
+        std::string text;
+    } cases[] = {
+        {0, DRAVIK_SMI_SHOWCLOCKS, DK_SML_SUCCESS, "GFX: 1200\nMEM: 800\n"},
+        {2, DRAVIK_SMI_SHOWTEMP, DK_SML_SUCCESS, "die1\n"},
+        {1, DRAVIK_SMI_SHOWTEMP, DK_SML_SUCCESS, "die1\n"},
+        {0, DRAVIK_SMI_SHOWTEMP, DK_SML_SUCCESS, "die0\n"},
+        {0, DRAVIK_SMI_DUMPPPTABLE, DK_SML_SUCCESS, big},
+        {0, DRAVIK_SMI_SHOWVBIOS, DK_SML_ERROR_NOT_SUPPORTED, "untouched"},
+        {0, DRAVIK_SMI_SHOWUSE, DK_SML_ERROR_SYSFS, "untouched"},
+    };
+    for (const auto& c : cases) {
+        std::string text = "untouched";
+        EXPECT_EQ(m_handler.FetchData(c.die, c.op, text), c.code) << c.op << "/" << c.die;
+        EXPECT_EQ(text, c.text) << c.op << "/" << c.die;
+    }
 }
 
 TEST(Handler, LongPathsTakeTheAllocatingRoute) {

@@ -1,8 +1,6 @@
 // DkTemperature against canned "showtemp" and "showtstemp" text.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "features/temperature/dk_temperature.h"
@@ -76,32 +74,27 @@ TEST_F(TemperatureTest, DieReadPassesErrorsUp) {
 
 // Merge over dies ------------------------------------------------------------
 
-TEST_F(TemperatureTest, SingleMergeRule) {
-    struct Case {
-        int32_t kept, candidate, expected;
-    };
-    for (const Case& c : {Case{c_invalid, 40, 40}, Case{30, 40, 40}, Case{50, 40, 50}, Case{50, c_invalid, 50},
-                          Case{50, 70000, 50}, Case{c_invalid, -5, -5}, Case{-10, -5, -5}, Case{70000, 3, 3}}) {
-        int32_t kept = c.kept;
-        temperature.ExtractSingleHighestTemp(kept, c.candidate);
-        EXPECT_EQ(kept, c.expected) << c.kept << " vs " << c.candidate;
-    }
-}
-
+// Field by field: the larger valid reading wins; an invalid or out-of-range
+// reading never wins and is replaced by any valid one, a negative included.
 TEST_F(TemperatureTest, TwoDieMergeIgnoresInvalidAndTakesTheLarger) {
     device.dieCount = 2;
-    device.Serve(0, DRAVIK_SMI_SHOWTEMP, "hotspot: 65535\nsoc: 55\ncore: 60\nsensor[7]: 80\n");
-    device.Serve(1, DRAVIK_SMI_SHOWTEMP, "hotspot: 62\nsoc: 57\nhbm: 1\nmc0: -3\nsensor[2]: 90\n");
+    device.Serve(0, DRAVIK_SMI_SHOWTEMP, "hotspot: 65535\nsoc: 55\ncore: 60\nhotlimit: 100\nmc1: -10\nsgm: 40\n"
+                                         "emclocal: 70000\nsensor[7]: 80\n");
+    device.Serve(1, DRAVIK_SMI_SHOWTEMP, "hotspot: 62\nsoc: 57\ncore: 40\nhotlimit: 70000\nmc0: -3\nmc1: -5\n"
+                                         "emclocal: 3\nhbm: 1\nsensor[2]: 90\n");
     DkSmlTemperature t{};
     ASSERT_EQ(temperature.GetTemperature(&device, &t), DK_SML_SUCCESS);
     EXPECT_EQ(t.hotspot, 62);
     EXPECT_EQ(t.soc, 57);
     EXPECT_EQ(t.core, 60);
-    EXPECT_EQ(t.mc0, -3);          // a negative reading beats no reading
-    EXPECT_EQ(t.mc1, c_invalid);
-    EXPECT_EQ(t.memCtrlMax, c_invalid);
+    EXPECT_EQ(t.hotLimit, 100);
+    EXPECT_EQ(t.mc0, -3);  // a negative reading beats no reading
+    EXPECT_EQ(t.mc1, -5);
+    EXPECT_EQ(t.memCtrlMax, -3);  // die 1's; die 0 has no pair
+    EXPECT_EQ(t.sgm, 40);
+    EXPECT_EQ(t.emcLocal, 3);
     EXPECT_EQ(t.hottestSensorIndex, 7);  // largest index, not the hottest die's
-    EXPECT_EQ(t.hotLimit, c_invalid);
+    EXPECT_EQ(t.emcRemote, c_invalid);
 }
 
 TEST_F(TemperatureTest, MergeStopsAtAFailingDie) {
@@ -159,13 +152,8 @@ TEST_F(TemperatureTest, DeviceHotspotIsThePlainLargerValue) {
     // Any other selector reports die 0 only.
     ASSERT_EQ(temperature.GetTemperature(&device, DK_SML_TEMPERATURE_HOTLIMIT, &value), DK_SML_SUCCESS);
     EXPECT_EQ(value, 100);
-}
-
-TEST_F(TemperatureTest, DeviceHotspotFailsWhenALaterDieFails) {
-    device.dieCount = 2;
-    device.Serve(0, DRAVIK_SMI_SHOWTEMP, "hotspot: 60\n");
+    // The hotspot fails when a later die has none.
     device.Serve(1, DRAVIK_SMI_SHOWTEMP, "soc: 50\n");
-    int32_t value = 0;
     EXPECT_EQ(temperature.GetTemperature(&device, DK_SML_TEMPERATURE_HOTSPOT, &value), DK_SML_ERROR_NOT_SUPPORTED);
 }
 
