@@ -11,18 +11,20 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include <nlohmann/json.hpp>
 
 #include "dksmi/dksmi_runner.h"
+#include "support/dk_shipped_profiles.h"
 
 namespace dksmi::test {
 namespace {
 
 namespace fs = std::filesystem;
+using dksml::test::ReadWholeFile;
+using dksml::test::ShippedProfiles;
 using dksml::vhost::ScopedHost;
 
 fs::path GoldenDirectory() { return fs::path(DKSML_SOURCE_DIR) / "tests" / "dksmi" / "golden"; }
@@ -69,21 +71,6 @@ std::string DetailTranscripts(const ScopedHost& host) {
     return text;
 }
 
-std::vector<std::string> ShippedProfiles() {
-    std::vector<std::string> names;
-    for (const fs::directory_entry& entry : fs::directory_iterator(dksml::vhost::ProfileDirectory()))
-        if (entry.path().extension() == ".json") names.push_back(entry.path().stem().string());
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-std::string ReadWhole(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 struct Output {
     const char* suffix;
     const char* arguments;
@@ -123,7 +110,7 @@ TEST_F(DksmiGolden, EveryShippedProfileMatchesItsTranscripts) {
                 continue;
             }
             ASSERT_TRUE(fs::exists(file)) << file << " is missing; run with DKSML_UPDATE_GOLDEN=1 to write it";
-            EXPECT_EQ(actual, ReadWhole(file))
+            EXPECT_EQ(actual, ReadWholeFile(file))
                 << "dksmi " << output.suffix << " on profile \"" << profile << "\" differs from " << file
                 << "; if the change is intended, rerun with DKSML_UPDATE_GOLDEN=1 and review the diff";
         }

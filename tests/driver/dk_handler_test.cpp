@@ -16,7 +16,7 @@
 namespace dksml {
 namespace {
 
-using test::ReadAll;
+using test::ReadWholeFile;
 using test::ScopedEnv;
 using test::FakeDevice;
 using test::TempDir;
@@ -142,10 +142,10 @@ TEST(Handler, LongPathsTakeTheAllocatingRoute) {
 TEST_F(HandlerTest, SetWritesTextAndNewline) {
     const std::string path = m_dir.Write("dev/smi/setperflevel", "previous content\n");
     ASSERT_EQ(m_handler.SetData(0, DRAVIK_SMI_SETPERFLEVEL, "3"), DK_SML_SUCCESS);
-    EXPECT_EQ(ReadAll(path), "3\n");
+    EXPECT_EQ(ReadWholeFile(path), "3\n");
     const std::string path1 = m_dir.Write("dev/smi1/setperflevel", "");
     ASSERT_EQ(m_handler.SetData(5, DRAVIK_SMI_SETPERFLEVEL, "gfx 2 1"), DK_SML_SUCCESS);
-    EXPECT_EQ(ReadAll(path1), "gfx 2 1\n");
+    EXPECT_EQ(ReadWholeFile(path1), "gfx 2 1\n");
 }
 
 TEST_F(HandlerTest, SetAbsentIs3AndCreatesNothing) {
@@ -213,9 +213,9 @@ TEST_F(HandlerTest, WriteRegisterLineWithTheVariable) {
     const std::string debug = m_dir.Mkdir("debug");
     ScopedEnv env("ROOT_PATH_REG_DUMP", debug.c_str());
     ASSERT_EQ(m_handler.WriteRegister(0, 0x2000, 0x1), DK_SML_SUCCESS);
-    EXPECT_EQ(ReadAll(debug + "/reg_dump"), "0x0000000100002000\n");
+    EXPECT_EQ(ReadWholeFile(debug + "/reg_dump"), "0x0000000100002000\n");
     ASSERT_EQ(m_handler.WriteRegister(1, 0x123456789UL, 0xDEADBEEF), DK_SML_SUCCESS);
-    EXPECT_EQ(ReadAll(debug + "/reg_dump"), "0xdeadbeef123456789\n");
+    EXPECT_EQ(ReadWholeFile(debug + "/reg_dump"), "0xdeadbeef123456789\n");
 }
 
 TEST_F(HandlerTest, RegisterLinesUnderTheHostRootWhenUnset) {
@@ -224,7 +224,7 @@ TEST_F(HandlerTest, RegisterLinesUnderTheHostRootWhenUnset) {
     LoadHostRoot();
     const std::string debug = m_dir.Mkdir("sys/kernel/debug/dkcd");
     EXPECT_EQ(m_handler.WriteRegister(0, 0x2000, 0x1), DK_SML_SUCCESS);
-    EXPECT_EQ(ReadAll(debug + "/reg_dump"), "0x0000000100002000\n");
+    EXPECT_EQ(ReadWholeFile(debug + "/reg_dump"), "0x0000000100002000\n");
     std::string text = "keep";
     EXPECT_EQ(m_handler.ReadRegister(0, 0x123456789UL, text), DK_SML_SUCCESS);
     EXPECT_EQ(text, "0x123456789\n");  // a plain file reads back the command

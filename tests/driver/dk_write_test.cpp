@@ -9,7 +9,7 @@
 namespace dksml {
 namespace {
 
-using test::ReadAll;
+using test::ReadWholeFile;
 using test::TempDir;
 
 enum DkTestEnum { kZero = 0, kSeven = 7 };
@@ -46,7 +46,7 @@ TEST(WriteSysfs, Formats) {
     };
     for (const Case& c : cases) {
         ASSERT_EQ(c.write(), DK_SML_SUCCESS) << c.expected;
-        EXPECT_EQ(ReadAll(p), c.expected);
+        EXPECT_EQ(ReadWholeFile(p), c.expected);
     }
 }
 
@@ -56,9 +56,9 @@ TEST(WriteSysfs, TruncatesCreatesAndRefusesADirectory) {
     TempDir dir;
     const std::string p = dir.Write("attr", "a much longer previous content\n");
     ASSERT_EQ(WriteSysfs(p, std::string("3")), DK_SML_SUCCESS);
-    EXPECT_EQ(ReadAll(p), "3\n");
+    EXPECT_EQ(ReadWholeFile(p), "3\n");
     ASSERT_EQ(WriteSysfs(dir / "new", 1), DK_SML_SUCCESS);
-    EXPECT_EQ(ReadAll(dir / "new"), "1\n");
+    EXPECT_EQ(ReadWholeFile(dir / "new"), "1\n");
     EXPECT_EQ(WriteSysfs(dir.Path().string(), 1), DK_SML_ERROR_SYSFS);
 }
 

@@ -20,6 +20,7 @@
 #include <gtest/gtest.h>
 
 #include "core/dk_pci_ids.h"
+#include "support/dk_shipped_profiles.h"
 #include "vhost/dk_virtual_host.h"
 #include "vhost/vhost_cpu_topology.h"
 #include "vhost/vhost_pcie_link.h"
@@ -54,13 +55,6 @@ bool IsBuildMachineNote(const std::string& line) {
     return line.find("Unable to load libkmod resources") != std::string::npos;
 }
 
-std::string Slurp(const std::filesystem::path& path) {
-    std::ifstream in(path);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 std::string Attribute(const std::string& tag, const std::string& name) {
     const std::string key = " " + name + "=\"";
     const size_t at = tag.find(key);
@@ -84,7 +78,7 @@ ToolRun RunTool(const std::string& command) {
         const int status = pclose(pipe);
         run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
-    std::istringstream errors(Slurp(errTemplate));
+    std::istringstream errors(test::ReadWholeFile(errTemplate));
     for (std::string line; std::getline(errors, line);) {
         if (!line.empty() && !IsBuildMachineNote(line)) run.errorLines.push_back(line);
     }
@@ -158,15 +152,6 @@ std::vector<unsigned> HwlocSetCpus(const std::string& set) {
     }
     std::sort(cpus.begin(), cpus.end());
     return cpus;
-}
-
-std::vector<std::string> ShippedProfiles() {
-    std::vector<std::string> names;
-    for (const fs::directory_entry& entry : fs::directory_iterator(vhost::ProfileDirectory())) {
-        if (entry.path().extension() == ".json") names.push_back(entry.path().stem().string());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
 }
 
 std::string Hex4(uint32_t value) {
@@ -303,7 +288,7 @@ TEST_P(RealTools, LstopoDrawsBridgesNumaNodesAndCpuSets) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(ShippedProfiles, RealTools, ::testing::ValuesIn(ShippedProfiles()),
+INSTANTIATE_TEST_SUITE_P(ShippedProfiles, RealTools, ::testing::ValuesIn(test::ShippedProfiles()),
                          [](const ::testing::TestParamInfo<std::string>& profile) {
                              std::string name = profile.param;
                              std::replace(name.begin(), name.end(), '-', '_');
