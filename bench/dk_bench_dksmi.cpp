@@ -10,8 +10,11 @@
 // (opened once beforehand), read once and closed; each listing is opened,
 // read to its end and closed; each link is read with one readlinkat.
 // Counters beyond those of dk_bench_floor.h: files, listings, links (the
-// floor's size) and failed_calls (opens and link reads under the root that
-// failed in the recorded run).
+// floor's size), failed_calls (opens and link reads under the root that
+// failed in the recorded run) and the split of lib_ns into discovery_ns,
+// collect_ns and table_ns, and of floor_ns into discovery_floor_ns (what a
+// discovery alone reads, recorded the same way with "--discovery-once") and
+// rest_floor_ns (what the run reads beyond it).
 #include <benchmark/benchmark.h>
 
 #include <nlohmann/json.hpp>
@@ -20,10 +23,13 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <set>
 #include <string>
@@ -40,6 +46,7 @@ namespace {
 
 constexpr int c_gpuCount = 8;
 constexpr const char* c_onceFlag = "--dksmi-once";
+constexpr const char* c_discoveryOnceFlag = "--discovery-once";
 
 std::string BusId(int gpu) {
     char text[16];
@@ -60,10 +67,26 @@ nlohmann::json EightGpuProfile() {
             {"devices", devices}};
 }
 
+// Time spent in each step of the runs so far, to split lib_ns.
+struct StepTimes {
+    uint64_t discovery = 0;
+    uint64_t collection = 0;
+    uint64_t table = 0;
+};
+StepTimes g_steps;
+
 // What `dksmi` without options does once its process is up.
 std::size_t RunDksmiOnce() {
+    const uint64_t t0 = dksml::bench::NowNs();
     const DkSmlReturn status = dkSmlInitWithFlags(1);
-    const std::string table = dksmi::RenderSummary(dksmi::Collect(status));
+    const uint64_t t1 = dksml::bench::NowNs();
+    const dksmi::Snapshot snapshot = dksmi::Collect(status, dksmi::CollectScope::SummaryTable);
+    const uint64_t t2 = dksml::bench::NowNs();
+    const std::string table = dksmi::RenderSummary(snapshot);
+    const uint64_t t3 = dksml::bench::NowNs();
+    g_steps.discovery += t1 - t0;
+    g_steps.collection += t2 - t1;
+    g_steps.table += t3 - t2;
     return table.size();
 }
 
@@ -100,10 +123,11 @@ bool UnderRoot(std::string_view path, const std::string& root, std::string& rela
     return true;
 }
 
-RecordedRun Record(const std::string& root, const std::string& log) {
+// `flag` chooses what the recorded process runs: the whole run or its discovery.
+RecordedRun Record(const std::string& root, const std::string& log, const char* flag) {
     RecordedRun run;
     const std::string command = "strace -f -y -qq -e trace=openat,read,getdents64,readlinkat -o '" + log +
-                                "' /proc/" + std::to_string(::getpid()) + "/exe " + c_onceFlag + " >/dev/null 2>&1";
+                                "' /proc/" + std::to_string(::getpid()) + "/exe " + flag + " >/dev/null 2>&1";
     if (std::system(command.c_str()) != 0) return run;
     std::ifstream in(log);
     std::string line;
@@ -129,6 +153,19 @@ RecordedRun Record(const std::string& root, const std::string& log) {
     }
     run.ok = !run.files.empty();
     return run;
+}
+
+// What `whole` read beyond `part`.
+RecordedRun Beyond(const RecordedRun& whole, const RecordedRun& part) {
+    RecordedRun rest;
+    auto minus = [](const std::set<std::string>& a, const std::set<std::string>& b, std::set<std::string>& out) {
+        std::set_difference(a.begin(), a.end(), b.begin(), b.end(), std::inserter(out, out.end()));
+    };
+    minus(whole.files, part.files, rest.files);
+    minus(whole.listings, part.listings, rest.listings);
+    minus(whole.links, part.links, rest.links);
+    rest.ok = whole.ok && part.ok;
+    return rest;
 }
 
 // The recorded files, listings and links with their directories opened once.
@@ -178,21 +215,46 @@ private:
 void BM_DksmiRun8Gpus(benchmark::State& state) {
     dksml::vhost::ScopedHost host(EightGpuProfile());
     const std::string root = host.Root().string();
-    const RecordedRun run = Record(root, root + ".strace");
+    const RecordedRun run = Record(root, root + ".strace", c_onceFlag);
+    const RecordedRun discovery = Record(root, root + ".strace", c_discoveryOnceFlag);
     std::remove((root + ".strace").c_str());
-    if (!run.ok) {
+    if (!run.ok || !discovery.ok) {
         state.SkipWithError("could not record the run's files (is strace installed?)");
         return;
     }
-    RecordedFloor floor(root, run);
-    std::size_t tableBytes = 0;
+    // The floor in two parts, to tell discovery's share from the rest's: what
+    // discovery reads, and what the collection and the table read beyond it.
+    const RecordedFloor discoveryFloor(root, discovery);
+    const RecordedFloor restFloor(root, Beyond(run, discovery));
+    uint64_t discoveryFloorNs = 0;
+    uint64_t restFloorNs = 0;
+    uint64_t floorRuns = 0;
+    std::size_t tableBytes = RunDksmiOnce();  // the process's first run binds symbols and grows buffers
+    g_steps = {};
     dksml::bench::DkBenchBesideFloor(
-        state, [&] { tableBytes = RunDksmiOnce(); }, [&] { floor.Read(); });
+        state, [&] { tableBytes = RunDksmiOnce(); },
+        [&] {
+            const uint64_t t0 = dksml::bench::NowNs();
+            discoveryFloor.Read();
+            const uint64_t t1 = dksml::bench::NowNs();
+            restFloor.Read();
+            discoveryFloorNs += t1 - t0;
+            restFloorNs += dksml::bench::NowNs() - t1;
+            ++floorRuns;
+        });
     state.counters["files"] = static_cast<double>(run.files.size());
     state.counters["listings"] = static_cast<double>(run.listings.size());
     state.counters["links"] = static_cast<double>(run.links.size());
     state.counters["failed_calls"] = run.failedCalls;
     state.counters["table_bytes"] = static_cast<double>(tableBytes);
+    // Split of lib_ns, over every run after the process's first (the loop's
+    // warm-up run included).
+    const double runs = static_cast<double>(state.iterations() + 1);
+    state.counters["discovery_ns"] = static_cast<double>(g_steps.discovery) / runs;
+    state.counters["collect_ns"] = static_cast<double>(g_steps.collection) / runs;
+    state.counters["table_ns"] = static_cast<double>(g_steps.table) / runs;
+    state.counters["discovery_floor_ns"] = static_cast<double>(discoveryFloorNs) / static_cast<double>(floorRuns);
+    state.counters["rest_floor_ns"] = static_cast<double>(restFloorNs) / static_cast<double>(floorRuns);
 }
 BENCHMARK(BM_DksmiRun8Gpus)->Unit(benchmark::kMillisecond);
 
@@ -201,6 +263,8 @@ BENCHMARK(BM_DksmiRun8Gpus)->Unit(benchmark::kMillisecond);
 int main(int argc, char** argv) {
     // The recorded run: the host root comes from DK_SMI_FSROOT, inherited.
     if (argc > 1 && std::strcmp(argv[1], c_onceFlag) == 0) return RunDksmiOnce() > 0 ? 0 : 1;
+    if (argc > 1 && std::strcmp(argv[1], c_discoveryOnceFlag) == 0)
+        return dkSmlInitWithFlags(1) == DK_SML_SUCCESS ? 0 : 1;
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     benchmark::RunSpecifiedBenchmarks();

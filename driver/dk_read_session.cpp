@@ -18,7 +18,9 @@ DkReadSession::~DkReadSession() {
 DkReadSession* DkReadSession::Current() { return t_session; }
 
 void DkReadSession::ForgetCurrent() {
-    if (t_session != nullptr) t_session->m_records.clear();
+    if (t_session == nullptr) return;
+    t_session->m_records.clear();
+    t_session->m_texts.clear();
 }
 
 }  // namespace dksml

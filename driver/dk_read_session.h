@@ -8,6 +8,7 @@
 // differently after it.
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <string>
@@ -41,23 +42,36 @@ public:
         const Key key{owner.get(), die, op};
         auto found = m_records.find(key);
         if (found == m_records.end()) {
-            Record record{owner, DK_SML_SUCCESS, {}};
-            record.status = read(record.text);
+            Record record{owner, DK_SML_SUCCESS, 0, 0};
+            record.status = read(m_read);
+            if (record.status == DK_SML_SUCCESS) {
+                record.offset = m_texts.size();  // after the read: it may have kept records of its own
+                record.length = m_read.size();
+                m_texts += m_read;
+            }
             found = m_records.emplace(key, std::move(record)).first;
         }
-        if (found->second.status == DK_SML_SUCCESS) text = found->second.text;
-        return found->second.status;
+        const Record& record = found->second;
+        if (record.status == DK_SML_SUCCESS) text.assign(m_texts, record.offset, record.length);
+        return record.status;
     }
 
 private:
     using Key = std::tuple<const void*, unsigned int, int>;
+    // A kept answer; its text is m_texts[offset, offset + length).
     struct Record {
         std::shared_ptr<const void> owner;
         DkSmlReturn status;
-        std::string text;
+        std::size_t offset;
+        std::size_t length;
     };
 
     std::map<Key, Record> m_records;
+    // Every kept text one after the other, and the buffer a record is read
+    // into: two strings that grow a few times per session instead of one
+    // allocation per record.
+    std::string m_texts;
+    std::string m_read;
     bool m_outermost;
 };
 

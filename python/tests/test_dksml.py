@@ -6,7 +6,6 @@ CTest does this."""
 
 from __future__ import annotations
 
-import dataclasses
 import json
 import os
 import subprocess
@@ -24,8 +23,6 @@ from dksml import api  # noqa: E402
 DKSMI = os.environ.get("DKSMI", "dksmi")
 DKVHOST = os.environ.get("DKVHOST", "dkvhost")
 
-
-
 # No native export answers the power mode (dksmi reads it through the
 # library's power service): the one key of dksmi's device object the module
 # cannot give.
@@ -34,6 +31,14 @@ NO_EXPORT_KEYS = ("power_mode",)
 
 def without_unexported(devices: list[dict[str, Any]]) -> list[dict[str, Any]]:
     return [{k: v for k, v in d.items() if k not in NO_EXPORT_KEYS} for d in devices]
+
+
+def process_rows(processes: list[dksml.Process]) -> list[dict[str, Any]]:
+    """The records in the shape of dksmi's process list (less the namespace pid, which no record carries)."""
+    return [{"pid": p.pid, "name": p.name,
+             "gpus": [{"device_index": g.device_index, "bus_id": g.bus_id, "slice_id": g.slice_id,
+                       "memory_domain": g.memory_domain, "memory_bytes": g.memory_bytes} for g in p.gpus]}
+            for p in processes]
 
 
 class VirtualHost:
@@ -58,97 +63,28 @@ class VirtualHost:
         self._dir.cleanup()
 
 
-class ServerHostTest(unittest.TestCase):
-    host: VirtualHost
-
-    @classmethod
-    def setUpClass(cls) -> None:
-        cls.host = VirtualHost("server")
-
-    @classmethod
-    def tearDownClass(cls) -> None:
-        cls.host.close()
-
-    def test_snapshots_equal_the_device_objects_of_dksmi_json(self) -> None:
-        self.assertEqual(self.host.status, dksml.Return.SUCCESS)
-        expected = self.host.dksmi_json()
-        got = [d.snapshot() for d in dksml.devices()]
-        self.assertEqual(got, without_unexported(expected["devices"]))
-        self.assertEqual([list(d) for d in got], [list(d) for d in without_unexported(expected["devices"])])
-        limited = []
-        for d in dksml.limited_devices():
-            reason = api.unavailable_reason(d.index)
-            limited.append({"index": d.index, "bus_id": d.bus_id, "vendor_id": d.vendor_id, "device_id": d.device_id,
-                            "is_virtual_function": d.is_virtual_function,
-                            "unavailable_reason": {"code": reason.reason, "text": reason.text}})
-        self.assertEqual(limited, expected["limited_devices"])
-
-    def test_readings_match_the_attribute_files(self) -> None:
-        for device in dksml.devices():
-            if device.role == dksml.VirtualizationMode.VF:
-                continue
-            smi = f"/sys/bus/pci/devices/{device.bus_id}/smi/"
-            with self.subTest(device=device.index):
-                self.assertEqual(device.die_count, 2 if (self.host.root / smi.lstrip("/")).with_name("smi1").exists()
-                                 else 1)
-                isa = self.host.read(smi + "showisaversion").split(":")[1].strip()
-                version = api.isa_version(device.index)
-                self.assertEqual(f"{version.major}.{version.minor}", isa)
-                if (self.host.root / smi.lstrip("/") / "fan_ctrl").exists():
-                    fan = dict(line.split(": ") for line in self.host.read(smi + "fan_ctrl").splitlines())
-                    self.assertEqual(device.fan.speed_rpm, int(fan["fan_rpm"]))
-                else:  # a passively cooled card
-                    self.assertRaises(dksml.NotSupported, lambda: device.fan)
-                vm_rows = self.host.read(smi + "showvmread").splitlines()
-                self.assertEqual(api.die_voltage_monitor_raw(device.index, 0),
-                                 [[int(v) for v in row.split(":")[1].split()] for row in vm_rows])
-                self.assertTrue(api.real_path(device.index).endswith("/" + device.bus_id))
-
-    def test_virtual_functions_and_their_parent(self) -> None:
-        by_index = {d.index: d for d in dksml.devices()}
-        self.assertEqual(by_index[2].virtual_functions, [100, 101])
-        self.assertEqual(by_index[100].physical_function, 2)
-        self.assertEqual(by_index[100].role, dksml.VirtualizationMode.VF)
-
-    def test_errors_carry_the_code_and_the_library_text(self) -> None:
-        with self.assertRaises(dksml.DeviceNotAvailable) as unknown:
-            api.fan(4242)
-        self.assertEqual(unknown.exception.code, 6)
-        self.assertEqual(unknown.exception.text, api.error_string(6))
-        with self.assertRaises(dksml.NotSupported) as refused:
-            api.fan(100)  # a virtual function has no fan
-        self.assertIsInstance(refused.exception, dksml.DkSmlError)
-        self.assertEqual(refused.exception.code, dksml.Return.ERROR_NOT_SUPPORTED)
-        with self.assertRaises(dksml.DkSmlError) as bad_die:
-            api.clocks(0, 2)
-        self.assertEqual(bad_die.exception.code, dksml.Return.ERROR_INVALID_DIE_ID)
-
-    def test_records_are_frozen_and_carry_units(self) -> None:
-        clocks = next(dksml.devices()).clocks
-        self.assertTrue(clocks.xcore_mhz)
-        with self.assertRaises(dataclasses.FrozenInstanceError):
-            clocks.xcore_mhz = ()  # type: ignore[misc]
-
-    def test_module_main_lists_the_devices_dksmi_shows(self) -> None:
-        out = subprocess.run([sys.executable, "-m", "dksml"], env=dict(os.environ), stdout=subprocess.PIPE,
-                             check=True, text=True, cwd=str(Path(__file__).resolve().parents[1])).stdout
-        lines = out.splitlines()[1:]
-        expected = self.host.dksmi_json()
-        shown = [line for line in lines if "(limited)" not in line]
-        self.assertEqual(len(shown), len(expected["devices"]))
-        for line, device in zip(shown, expected["devices"]):
-            self.assertTrue(line.startswith(f"{device['index']:<6}{device['name']:<12}{device['bus_id']:<15}"), line)
-        self.assertEqual(len(lines) - len(shown), len(expected["limited_devices"]))
-
-
-class OtherHostsTest(unittest.TestCase):
-    def test_guest_snapshots_equal_dksmi(self) -> None:
-        host = VirtualHost("guest")
-        try:
-            got = [d.snapshot() for d in dksml.devices()]
-            self.assertEqual(got, without_unexported(host.dksmi_json()["devices"]))
-        finally:
-            host.close()
+class SnapshotTest(unittest.TestCase):
+    def test_every_host_equals_dksmi_json(self) -> None:
+        """Device snapshots (keys in dksmi's order), limited devices and processes."""
+        for profile in ("server", "guest", "slices"):
+            host = VirtualHost(profile)
+            try:
+                with self.subTest(profile=profile):
+                    self.assertEqual(host.status, dksml.Return.SUCCESS)
+                    expected = host.dksmi_json()
+                    got = [list(d.snapshot().items()) for d in dksml.devices()]
+                    self.assertEqual(got, [list(d.items()) for d in without_unexported(expected["devices"])])
+                    limited = []
+                    for d in dksml.limited_devices():
+                        reason = api.unavailable_reason(d.index)
+                        limited.append({"index": d.index, "bus_id": d.bus_id, "vendor_id": d.vendor_id,
+                                        "device_id": d.device_id, "is_virtual_function": d.is_virtual_function,
+                                        "unavailable_reason": {"code": reason.reason, "text": reason.text}})
+                    self.assertEqual(limited, expected["limited_devices"])
+                    shown = [{k: v for k, v in p.items() if k != "namespace_pid"} for p in expected["processes"]]
+                    self.assertEqual(process_rows(api.processes()), shown)
+            finally:
+                host.close()
 
     def test_a_host_without_gpus_reports_no_device(self) -> None:
         host = VirtualHost("empty")
@@ -161,6 +97,72 @@ class OtherHostsTest(unittest.TestCase):
                 list(dksml.devices())
         finally:
             host.close()
+
+
+class ServerHostTest(unittest.TestCase):
+    host: VirtualHost
+
+    @classmethod
+    def setUpClass(cls) -> None:
+        cls.host = VirtualHost("server")
+
+    @classmethod
+    def tearDownClass(cls) -> None:
+        cls.host.close()
+
+    def test_readings_outside_the_snapshot_match_the_attribute_files(self) -> None:
+        """Dies, fans and the virtual-function links are in the snapshots compared above."""
+        for device in dksml.devices():
+            if device.role == dksml.VirtualizationMode.VF:
+                continue
+            smi = f"/sys/bus/pci/devices/{device.bus_id}/smi/"
+            with self.subTest(device=device.index):
+                isa = self.host.read(smi + "showisaversion").split(":")[1].strip()
+                version = api.isa_version(device.index)
+                self.assertEqual(f"{version.major}.{version.minor}", isa)
+                vm_rows = self.host.read(smi + "showvmread").splitlines()
+                self.assertEqual(api.die_voltage_monitor_raw(device.index, 0),
+                                 [[int(v) for v in row.split(":")[1].split()] for row in vm_rows])
+                self.assertTrue(api.real_path(device.index).endswith("/" + device.bus_id))
+
+    def test_module_main_lists_the_devices_dksmi_shows(self) -> None:
+        out = subprocess.run([sys.executable, "-m", "dksml"], env=dict(os.environ), stdout=subprocess.PIPE,
+                             check=True, text=True, cwd=str(Path(__file__).resolve().parents[1])).stdout
+        lines = out.splitlines()[1:]
+        expected = self.host.dksmi_json()
+        shown = [line for line in lines if "(limited)" not in line]
+        self.assertEqual(len(shown), len(expected["devices"]))
+        for line, device in zip(shown, expected["devices"]):
+            self.assertTrue(line.startswith(f"{device['index']:<6}{device['name']:<12}{device['bus_id']:<15}"), line)
+        self.assertEqual(len(lines) - len(shown), len(expected["limited_devices"]))
+
+    def test_topology_and_affinity(self) -> None:
+        count = api.device_count()
+        for index in range(count):
+            self.assertEqual(api.topology(index, index), dksml.TopologyLevel.SAME_DEVICE)
+            self.assertTrue(api.cpu_affinity(index))
+            self.assertTrue(api.node_affinity(index))
+        levels = {api.topology(a, b) for a in range(count) for b in range(count) if a != b}
+        self.assertNotIn(dksml.TopologyLevel.SAME_DEVICE, levels)
+
+    def test_compatibility_readings_agree_with_the_native_ones(self) -> None:
+        api.ex_init()
+        try:
+            for index in range(api.device_count()):
+                info = api.device_info(index)
+                with self.subTest(device=index):
+                    handle = api.ex_handle_by_bus_id(info.bus_id)
+                    self.assertEqual(api.ex_pci_info(handle).bus_id, info.bus_id)
+                    self.assertEqual(api.ex_uuid(handle), api.ex_uuid(api.ex_handle_by_uuid(api.ex_uuid(handle))))
+                    # A handle is die 0 of the device; both families refuse a board without memory figures.
+                    try:
+                        native = api.memory(index, 0)
+                    except dksml.NotSupported:
+                        self.assertRaises(dksml.NotSupported, api.ex_memory, handle)
+                        continue
+                    self.assertEqual(api.ex_memory(handle).total_bytes, native.vram.total_kib * 1024)
+        finally:
+            api.ex_shutdown()
 
 
 if __name__ == "__main__":

@@ -1,6 +1,8 @@
 /* A C99 client that takes the inventory of a virtual host through the shared
  * library, the way a monitoring program would, and checks it against what the
- * shipped "server" and "guest" profiles describe. */
+ * shipped "server" and "guest" profiles describe: the records as a C compiler
+ * lays them out. dksmi's golden transcripts pin every device's values; these
+ * rows are one of each kind (two dies, virtual functions, a virtual function). */
 #include <stdio.h>
 #include <string.h>
 
@@ -16,17 +18,11 @@ typedef struct ExpectedDevice {
 
 static const ExpectedDevice c_serverDevices[] = {
     {0, "DKK6-A", "0000:1b:00.0", 2, 0},
-    {1, "DKK6-AL", "0000:1c:00.0", 1, 0},
     {2, "DKK2", "0000:1e:00.0", 1, 2},
-    {3, "DKK6-PL", "0000:af:00.0", 2, 0},
-    {4, "DKK6U", "0000:b0:00.0", 1, 0},
-    {5, "DKQ9-A", "0000:e1:00.0", 1, 0},
-    {100, "DKK2 VF", "0000:1e:00.1", 1, 0},
     {101, "DKK2 VF", "0000:1e:00.2", 1, 0},
 };
 
 static const ExpectedDevice c_guestDevices[] = {
-    {100, "DKK6-A VF", "0000:00:05.0", 1, 0},
     {101, "DKK6-A VF", "0000:00:06.0", 1, 0},
 };
 
@@ -39,7 +35,7 @@ static void Check(int condition, const char *what, uint32_t index) {
     }
 }
 
-static void CheckDevice(const ExpectedDevice *expected, char seenUuids[][DK_SML_UUID_LENGTH], size_t position) {
+static void CheckDevice(const ExpectedDevice *expected) {
     DkSmlDeviceInfo info;
     uint32_t dies = 0;
     uint32_t vfs[8];
@@ -52,8 +48,6 @@ static void CheckDevice(const ExpectedDevice *expected, char seenUuids[][DK_SML_
     Check(strcmp(info.deviceName, expected->name) == 0, "name", expected->index);
     Check(strcmp(info.bdfId, expected->bdfId) == 0, "bus id", expected->index);
     Check(info.uuid[0] != '\0', "uuid present", expected->index);
-    for (i = 0; i < position; ++i) Check(strcmp(seenUuids[i], info.uuid) != 0, "uuid unique", expected->index);
-    memcpy(seenUuids[position], info.uuid, DK_SML_UUID_LENGTH);
 
     Check(dkSmlGetDeviceDieCount(expected->index, &dies) == DK_SML_SUCCESS && dies == expected->dieCount,
           "die count", expected->index);
@@ -67,11 +61,10 @@ static void CheckDevice(const ExpectedDevice *expected, char seenUuids[][DK_SML_
 }
 
 static int CheckHost(const ExpectedDevice *devices, size_t count, uint32_t physical, uint32_t virtualFns) {
-    char uuids[16][DK_SML_UUID_LENGTH];
     size_t i;
     Check(dkSmlGetDeviceCount() == physical, "physical device count", 0);
     Check(dkSmlGetPfDeviceCount() == virtualFns, "virtual function count", 0);
-    for (i = 0; i < count; ++i) CheckDevice(&devices[i], uuids, i);
+    for (i = 0; i < count; ++i) CheckDevice(&devices[i]);
     return failures;
 }
 
@@ -96,12 +89,11 @@ int main(int argc, char **argv) {
         fprintf(stderr, "usage: %s server|guest\n", argv[0]);
         return 2;
     }
+    Check(dkSmlInit() == DK_SML_SUCCESS, "dkSmlInit", 0);
     if (strcmp(argv[1], "server") == 0) {
-        Check(dkSmlInit() == DK_SML_SUCCESS, "dkSmlInit", 0);
         CheckHost(c_serverDevices, sizeof c_serverDevices / sizeof c_serverDevices[0], 6, 2);
         CheckServerLimitedDevice();
     } else {
-        Check(dkSmlInit() == DK_SML_SUCCESS, "dkSmlInit", 0);
         CheckHost(c_guestDevices, sizeof c_guestDevices / sizeof c_guestDevices[0], 0, 2);
     }
     if (failures == 0) printf("inventory of the %s host matches\n", argv[1]);

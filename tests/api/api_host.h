@@ -1,6 +1,7 @@
 // A virtual host with a fresh discovery, shared by the API tests.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string_view>
 
@@ -13,6 +14,16 @@ namespace dksml::test {
 
 // Indices that no device has on the "empty" host (and on most others).
 constexpr uint32_t c_absentIndices[] = {0, 1, 99, 100, 4242, 0xFFFFFFFFu};
+
+// `null` selects the null form of a pointer argument in the export tables.
+template <typename T>
+T* P(bool null, T& value) {
+    return null ? nullptr : &value;
+}
+template <typename T, std::size_t N>
+T* P(bool null, T (&values)[N]) {
+    return null ? nullptr : values;
+}
 
 // Forces a discovery on the host so no earlier test's devices linger.
 inline std::unique_ptr<vhost::ScopedHost> MakeHost(std::string_view profile) {

@@ -1,10 +1,12 @@
-// Compatibility handles: one per die of each physical device, found by
-// compute-stack number, bus id or UUID, and void after rediscovery.
+// Compatibility handles: one per die of each physical device (each its die's
+// record), found by compute-stack number, bus id or UUID, and void after
+// rediscovery.
 #include <cstring>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "core/dk_system_manager.h"
 #include "discovery_host.h"
 
 namespace dksml::test {
@@ -17,22 +19,33 @@ DkSmlExDevice HandleByIndex(uint32_t index) {
 }
 
 TEST(CompatHandles, OneHandlePerDieOfEachPhysicalDevice) {
-    vhost::ScopedHost host("server"sv);
-    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    auto host = Discovered("server"sv);
     uint32_t count = 0;
     ASSERT_EQ(dkSmlExDeviceGetCount(&count), DK_SML_EX_SUCCESS);
     EXPECT_EQ(count, 8u);  // DKK6-A and DKK6-PL have two dies each
-    // Dies of one device share its identity; the next number is the next device.
+    ASSERT_EQ(dkSmlExVornDeviceGetCount(&count), DK_SML_EX_SUCCESS);
+    EXPECT_EQ(count, 8u);
+    // Dies of one device share its identity; the next number is the next
+    // device. Each handle is its own die's record.
     const struct {
-        uint32_t vornId;
+        uint32_t vornId, deviceIndex, die;
         const char* bdf;
-    } rows[] = {{0, "0000:1b:00.0"}, {1, "0000:1b:00.0"}, {2, "0000:1c:00.0"}, {3, "0000:1e:00.0"},
-                {4, "0000:af:00.0"}, {5, "0000:af:00.0"}, {6, "0000:b0:00.0"}, {7, "0000:e1:00.0"}};
+    } rows[] = {{0, 0, 0, "0000:1b:00.0"}, {1, 0, 1, "0000:1b:00.0"}, {2, 1, 0, "0000:1c:00.0"},
+                {3, 2, 0, "0000:1e:00.0"}, {4, 3, 0, "0000:af:00.0"}, {5, 3, 1, "0000:af:00.0"},
+                {6, 4, 0, "0000:b0:00.0"}, {7, 5, 0, "0000:e1:00.0"}};
+    auto& manager = DkSystemManager::GetInstance();
     for (const auto& row : rows) {
         SCOPED_TRACE(row.vornId);
+        const DkSmlExDevice handle = HandleByIndex(row.vornId);
+        const DkDieInfo* die = manager.GetDieByVornId(row.vornId);
+        ASSERT_NE(die, nullptr);
+        EXPECT_EQ(die->device->GetDeviceId(), row.deviceIndex);
+        EXPECT_EQ(die->dieIndex, row.die);
+        EXPECT_EQ(manager.FindDieByHandle(handle), die);
         DkSmlExPciInfo pci{};
-        ASSERT_EQ(dkSmlExDeviceGetPciInfo(HandleByIndex(row.vornId), &pci), DK_SML_EX_SUCCESS);
+        ASSERT_EQ(dkSmlExDeviceGetPciInfo(handle, &pci), DK_SML_EX_SUCCESS);
         EXPECT_STREQ(pci.busId, row.bdf);
+        EXPECT_EQ(pci.bus, std::stoul(std::string(row.bdf).substr(5, 2), nullptr, 16));
     }
     DkSmlExDevice handle = nullptr;
     EXPECT_EQ(dkSmlExGetDeviceHandleByIndex(8, &handle), DK_SML_EX_ERROR_INVALID_ARGUMENT);
@@ -40,8 +53,7 @@ TEST(CompatHandles, OneHandlePerDieOfEachPhysicalDevice) {
 }
 
 TEST(CompatHandles, BusIdInAnyWidthFindsTheSameHandle) {
-    vhost::ScopedHost host("server"sv);
-    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    auto host = Discovered("server"sv);
     DkSmlExDevice longForm = nullptr, shortForm = nullptr;
     ASSERT_EQ(dkSmlExGetDeviceHandleByPciBusId("0000:1e:00.0", &longForm), DK_SML_EX_SUCCESS);
     ASSERT_EQ(dkSmlExGetDeviceHandleByPciBusId("0:1e:0.0", &shortForm), DK_SML_EX_SUCCESS);
@@ -53,8 +65,7 @@ TEST(CompatHandles, BusIdInAnyWidthFindsTheSameHandle) {
 }
 
 TEST(CompatHandles, UuidRoundTripAndBufferRule) {
-    vhost::ScopedHost host("server"sv);
-    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    auto host = Discovered("server"sv);
     DkSmlExDevice handle = HandleByIndex(2);
     char uuid[DK_SML_UUID_LENGTH] = {};
     ASSERT_EQ(dkSmlExDeviceGetUUID(handle, uuid, sizeof(uuid)), DK_SML_EX_SUCCESS);
@@ -63,13 +74,16 @@ TEST(CompatHandles, UuidRoundTripAndBufferRule) {
     ASSERT_EQ(dkSmlExDeviceGetHandleByUUID(uuid, &byUuid), DK_SML_EX_SUCCESS);
     EXPECT_EQ(byUuid, handle);
     char exact[DK_SML_UUID_LENGTH] = {};
-    EXPECT_EQ(dkSmlExDeviceGetUUID(handle, exact, static_cast<uint32_t>(std::strlen(uuid))),
-              DK_SML_EX_ERROR_INSUFFICIENT_SIZE);
+    const auto length = static_cast<uint32_t>(std::strlen(uuid));
+    EXPECT_EQ(dkSmlExDeviceGetUUID(handle, exact, length), DK_SML_EX_ERROR_INSUFFICIENT_SIZE);
+    EXPECT_EQ(dkSmlExDeviceGetUUID(handle, exact, 0), DK_SML_EX_ERROR_INVALID_ARGUMENT);
+    ASSERT_EQ(dkSmlExDeviceGetUUID(handle, exact, length + 1), DK_SML_EX_SUCCESS);
+    EXPECT_STREQ(exact, uuid);
+    EXPECT_EQ(dkSmlExDeviceGetHandleByUUID("GPU-not-a-device", &byUuid), DK_SML_EX_ERROR_INVALID_ARGUMENT);
 }
 
 TEST(CompatHandles, HandlesOfAnEarlierPassAreRefused) {
-    vhost::ScopedHost host("server"sv);
-    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
+    auto host = Discovered("server"sv);
     DkSmlExDevice old = HandleByIndex(0);
     char uuid[DK_SML_UUID_LENGTH] = {};
     ASSERT_EQ(dkSmlExDeviceGetUUID(old, uuid, sizeof(uuid)), DK_SML_EX_SUCCESS);

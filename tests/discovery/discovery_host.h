@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +17,13 @@ namespace dksml::test {
 
 // Profile names as string views: a bare literal would also fit the JSON overload.
 using namespace std::string_view_literals;
+
+// A shipped profile's host, discovered as it was written.
+inline std::unique_ptr<vhost::ScopedHost> Discovered(std::string_view profile) {
+    auto host = std::make_unique<vhost::ScopedHost>(profile);
+    EXPECT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS) << "discovery on " << profile;
+    return host;
+}
 
 inline std::string DevicePath(const std::string& bdf, const std::string& rest = "") {
     return "/sys/bus/pci/devices/" + bdf + rest;

@@ -16,27 +16,18 @@ DkSmlLimitedDeviceInfo LimitedInfoOf(uint32_t index) {
     return info;
 }
 
-TEST(LimitedDevices, MissingPowerStateFileMeansNoLayoutNodeReason) {
-    vhost::ScopedHost host("server"sv);  // the DKK1 at d8:00.0 lacks "pcipowerstate"
-    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
-    ASSERT_EQ(LimitedIndices(), std::vector<uint32_t>{6});  // after the six usable GPUs
-    DkSmlLimitedDeviceInfo info = LimitedInfoOf(6);
-    EXPECT_STREQ(info.bdfId, "0000:d8:00.0");
-    EXPECT_EQ(info.vendorId, 0x1e27u);
-    EXPECT_EQ(info.deviceId, 0x1101u);
-    EXPECT_EQ(info.isVf, 0u);
-    EXPECT_EQ(info.unavailableReason, 101u);
-    DkSmlDeviceUnavailableReasonInfo reason = ReasonOf(6);
-    EXPECT_EQ(reason.reason, 101u);
-    EXPECT_STREQ(reason.reasonText, "Layout Node Not Found");
+// The server's limited device (the DKK1 at d8:00.0, which lacks
+// "pcipowerstate"), its number and its reason are pinned by the golden
+// transcripts, as is every GPU of the host without the driver; its state is
+// not.
+// The usable devices report no reason; without a module list the reason
+// cannot be told.
+TEST(LimitedDevices, LimitedDeviceIsInactive) {
+    auto host = Discovered("server"sv);
+    ASSERT_EQ(LimitedIndices(), std::vector<uint32_t>{6});
     int32_t state = 7;
     EXPECT_EQ(dkSmlGetDeviceState(6, &state), DK_SML_SUCCESS);
     EXPECT_EQ(state, 0);
-}
-
-TEST(LimitedDevices, UsableDevicesReportNoReason) {
-    vhost::ScopedHost host("server"sv);
-    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
     for (uint32_t index : {0u, 2u, 100u}) {
         DkSmlDeviceUnavailableReasonInfo reason{};
         reason.reason = 55;
@@ -47,6 +38,8 @@ TEST(LimitedDevices, UsableDevicesReportNoReason) {
     }
     DkSmlDeviceUnavailableReasonInfo reason{};
     EXPECT_EQ(dkSmlGetDeviceUnavailableReason(7, &reason), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+    host->Remove("/proc/modules");
+    EXPECT_EQ(dkSmlGetDeviceUnavailableReason(6, &reason), DK_SML_ERROR_SYSFS);
 }
 
 TEST(LimitedDevices, UnreadablePowerStateFileIsInaccessibleSysfs) {
@@ -97,28 +90,6 @@ TEST(LimitedDevices, VirtualFunctionsKeepTheirOwnNumbering) {
     uint32_t count = 4;
     ASSERT_EQ(dkSmlGetVirtualDevicesByPhysicalId(2, &count, vfs), DK_SML_SUCCESS);
     EXPECT_EQ(std::vector<uint32_t>(vfs, vfs + count), std::vector<uint32_t>{100});
-}
-
-TEST(LimitedDevices, WithoutTheDriverEveryGpuIsLimited) {
-    vhost::ScopedHost host("no-driver"sv);
-    EXPECT_EQ(dkSmlInitWithFlags(1), DK_SML_ERROR_NO_DEVICE);
-    EXPECT_EQ(dkSmlGetDeviceCount(), 0u);
-    ASSERT_EQ(LimitedIndices(), (std::vector<uint32_t>{0, 1}));
-    EXPECT_STREQ(LimitedInfoOf(0).bdfId, "0000:3b:00.0");
-    EXPECT_STREQ(LimitedInfoOf(1).bdfId, "0000:5e:00.0");
-    for (uint32_t index : {0u, 1u}) {
-        DkSmlDeviceUnavailableReasonInfo reason = ReasonOf(index);
-        EXPECT_EQ(reason.reason, 100u);
-        EXPECT_STREQ(reason.reasonText, "Dravik Kernel Driver Not Found");
-    }
-}
-
-TEST(LimitedDevices, UnreadableModuleListIsASysfsError) {
-    vhost::ScopedHost host("server"sv);
-    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
-    host.Remove("/proc/modules");
-    DkSmlDeviceUnavailableReasonInfo reason{};
-    EXPECT_EQ(dkSmlGetDeviceUnavailableReason(6, &reason), DK_SML_ERROR_SYSFS);
 }
 
 TEST(LimitedDevices, ListFollowsTheCountRule) {

@@ -12,14 +12,14 @@ namespace {
 
 constexpr const char* c_nic = "0000:31:00.0";  // the server's 0x15b3 interface
 
-class ScopedEnv {
-public:
-    ScopedEnv(const char* name, const char* value) : m_name(name) { setenv(name, value, 1); }
-    ~ScopedEnv() { unsetenv(m_name); }
-
-private:
-    const char* m_name;
-};
+// Sets (or, for null, unsets) the vendor the discovery looks for.
+void SetNicVendor(const char* value) {
+    if (value != nullptr) {
+        setenv("DK_SMI_NIC_VENDOR", value, 1);
+    } else {
+        unsetenv("DK_SMI_NIC_VENDOR");
+    }
+}
 
 uint32_t NiCountAfterDiscovery() {
     EXPECT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
@@ -45,18 +45,15 @@ TEST(NetworkInterfaces, NeedTheConfiguredVendorAndRdma) {
         SCOPED_TRACE(std::string(c.vendorEnv ? c.vendorEnv : "(unset)") + " / " + (c.roceEnable ? c.roceEnable : "-"));
         host.Remove(DevicePath(c_nic, "/roce_enable"));
         if (c.roceEnable != nullptr) host.WriteFile(DevicePath(c_nic, "/roce_enable"), c.roceEnable);
-        if (c.vendorEnv != nullptr) {
-            ScopedEnv env("DK_SMI_NIC_VENDOR", c.vendorEnv);
-            EXPECT_EQ(NiCountAfterDiscovery(), c.expected);
-        } else {
-            EXPECT_EQ(NiCountAfterDiscovery(), c.expected);
-        }
+        SetNicVendor(c.vendorEnv);
+        EXPECT_EQ(NiCountAfterDiscovery(), c.expected);
     }
+    SetNicVendor(nullptr);
 }
 
 TEST(NetworkInterfaces, InfinibandPortsAndGpusWithInfiniband) {
     vhost::ScopedHost host("server"sv);
-    ScopedEnv env("DK_SMI_NIC_VENDOR", "0x15b3");
+    SetNicVendor("0x15b3");
     host.WriteFile(DevicePath(c_nic, "/infiniband/mlx5_0/ports"), "1\n");
     host.WriteFile(DevicePath("0000:1c:00.0", "/infiniband/dkib0/ports"), "1\n");
     host.WriteFile(DevicePath("0000:1e:00.0", "/infiniband/.keep"), "");
@@ -67,6 +64,7 @@ TEST(NetworkInterfaces, InfinibandPortsAndGpusWithInfiniband) {
     EXPECT_EQ(list[1].bdf, c_nic);
     EXPECT_EQ(list[1].index, 1u);
     EXPECT_EQ(dkSmlGetDeviceCount(), 6u);  // still a GPU
+    SetNicVendor(nullptr);
 }
 
 }  // namespace

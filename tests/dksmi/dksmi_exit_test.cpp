@@ -22,15 +22,11 @@ TEST_F(DksmiExit, EmptyHostHasNoGpuRatherThanNoSuchIndex) {
     EXPECT_EQ(RunDksmi("-i 0").exitCode, kNoGpu);
 }
 
-TEST_F(DksmiExit, UnknownIndexIsRefused) {
+TEST_F(DksmiExit, UnknownIndexAndBadCommandLinesAreRefused) {
     ScopedHost host("server"sv);
     const RunResult run = RunDksmi("-i 99");
     EXPECT_EQ(run.exitCode, kNoSuchDevice);
     EXPECT_NE(run.err.find("99"), std::string::npos) << run.err;
-}
-
-TEST_F(DksmiExit, BadCommandLinesAreUsageErrors) {
-    ScopedHost host("server"sv);
     EXPECT_EQ(RunDksmi("--no-such-option").exitCode, kUsage);
     EXPECT_EQ(RunDksmi("-i not-a-number").exitCode, kUsage);
     EXPECT_EQ(RunDksmi("--watch 0").exitCode, kUsage);

@@ -1,4 +1,5 @@
-// Golden outputs: dksmi's table and its --json document for every shipped
+// Golden outputs: dksmi's table, its --json document, its topology and
+// process views and the detail view of every device for every shipped
 // virtual-host profile, compared with the transcripts checked in under
 // tests/dksmi/golden/. Any change to what dksmi prints shows up in review as a
 // diff of those files.
@@ -10,16 +11,20 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
 #include "dksmi/dksmi_runner.h"
+#include "support/dk_shipped_profiles.h"
 
 namespace dksmi::test {
 namespace {
 
 namespace fs = std::filesystem;
+using dksml::test::ReadWholeFile;
+using dksml::test::ShippedProfiles;
 using dksml::vhost::ScopedHost;
 
 fs::path GoldenDirectory() { return fs::path(DKSML_SOURCE_DIR) / "tests" / "dksmi" / "golden"; }
@@ -54,19 +59,16 @@ std::string Transcript(const std::string& arguments, const ScopedHost& host) {
     return MaskVarying(text, host);
 }
 
-std::vector<std::string> ShippedProfiles() {
-    std::vector<std::string> names;
-    for (const fs::directory_entry& entry : fs::directory_iterator(dksml::vhost::ProfileDirectory()))
-        if (entry.path().extension() == ".json") names.push_back(entry.path().stem().string());
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-std::string ReadWhole(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
+// The detail view ("-i N") of every device and limited device the host lists,
+// one run after another.
+std::string DetailTranscripts(const ScopedHost& host) {
+    const nlohmann::json document = nlohmann::json::parse(RunDksmi("--json").out);
+    std::string text;
+    for (const char* list : {"devices", "limited_devices"}) {
+        for (const nlohmann::json& device : document[list])
+            text += Transcript("-i " + std::to_string(device["index"].get<uint32_t>()), host);
+    }
+    return text;
 }
 
 struct Output {
@@ -75,14 +77,16 @@ struct Output {
 };
 
 // dksmi's renderings of the whole host: the summary table, the JSON document
-// (which carries every per-die detail), the topology matrix in both forms and
-// the process list in both orders.
+// (which carries every per-die detail), the topology matrix in both forms, the
+// process list in both orders and (no arguments) the detail view of each
+// device.
 constexpr Output c_outputs[] = {{"table", ""},
                                 {"json", "--json"},
                                 {"topo", "topo"},
                                 {"topo-json", "topo --json"},
                                 {"processes", "processes"},
-                                {"processes-by-memory", "processes --sort memory"}};
+                                {"processes-by-memory", "processes --sort memory"},
+                                {"detail", nullptr}};
 
 // The topology rows of a network card appear only for the vendor named in
 // "DK_SMI_NIC_VENDOR"; the transcripts name the one the profiles ship.
@@ -99,14 +103,15 @@ TEST_F(DksmiGolden, EveryShippedProfileMatchesItsTranscripts) {
         ScopedHost host(profile);
         for (const Output& output : c_outputs) {
             const fs::path file = GoldenDirectory() / (profile + "." + output.suffix + ".txt");
-            const std::string actual = Transcript(output.arguments, host);
+            const std::string actual =
+                output.arguments == nullptr ? DetailTranscripts(host) : Transcript(output.arguments, host);
             if (UpdatingGolden()) {
                 std::ofstream(file, std::ios::binary) << actual;
                 continue;
             }
             ASSERT_TRUE(fs::exists(file)) << file << " is missing; run with DKSML_UPDATE_GOLDEN=1 to write it";
-            EXPECT_EQ(actual, ReadWhole(file))
-                << "dksmi " << output.arguments << " on profile \"" << profile << "\" differs from " << file
+            EXPECT_EQ(actual, ReadWholeFile(file))
+                << "dksmi " << output.suffix << " on profile \"" << profile << "\" differs from " << file
                 << "; if the change is intended, rerun with DKSML_UPDATE_GOLDEN=1 and review the diff";
         }
     }

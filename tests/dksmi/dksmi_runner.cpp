@@ -12,9 +12,10 @@ namespace fs = std::filesystem;
 
 fs::path DksmiBinary() { return fs::path(DKSML_BINARY_DIR) / "tools" / "dksmi" / "dksmi"; }
 
-RunResult RunDksmi(const std::string& arguments) {
+RunResult RunDksmi(const std::string& arguments, const std::string& prefix) {
     const fs::path errFile = fs::temp_directory_path() / ("dksmi-test-stderr-" + std::to_string(getpid()));
-    const std::string command = "'" + DksmiBinary().string() + "' " + arguments + " 2>'" + errFile.string() + "'";
+    const std::string command =
+        prefix + " '" + DksmiBinary().string() + "' " + arguments + " 2>'" + errFile.string() + "'";
     RunResult result;
     FILE* pipe = popen(command.c_str(), "r");
     if (pipe == nullptr) return result;

@@ -18,7 +18,8 @@ struct RunResult {
 };
 
 std::filesystem::path DksmiBinary();
-RunResult RunDksmi(const std::string& arguments);
+// `prefix` runs dksmi under another command (e.g. one that drops root).
+RunResult RunDksmi(const std::string& arguments, const std::string& prefix = "");
 
 // Fixture base: the tests need the dksmi binary, which is absent when the
 // tools are not built.

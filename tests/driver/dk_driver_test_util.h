@@ -5,9 +5,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <string_view>
+
+#include "support/dk_shipped_profiles.h"
 
 namespace dksml::test {
 
@@ -46,13 +47,6 @@ public:
 private:
     std::filesystem::path m_path;
 };
-
-inline std::string ReadAll(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream ss;
-    ss << in.rdbuf();
-    return ss.str();
-}
 
 // Sets or unsets an environment variable for a scope and restores it.
 class ScopedEnv {

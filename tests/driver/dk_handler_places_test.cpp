@@ -14,7 +14,7 @@
 namespace dksml {
 namespace {
 
-using test::ReadAll;
+using test::ReadWholeFile;
 using test::TempDir;
 
 std::string g_placeRoot;  // the test's directory of per-access places
@@ -88,13 +88,13 @@ TEST_F(HandlerPlacesTest, AFifoInTheFunctionDirectoryAnswersAtOnce) {
 
 TEST_F(HandlerPlacesTest, WritesAndListings) {
     ASSERT_EQ(m_handler.SetIndexedData(2, DRAVIK_SMI_SGPU_SLICE_VRAM_QUOTA, "64"), DK_SML_SUCCESS);
-    EXPECT_EQ(ReadAll(m_dir / "bridge/fn/sgpu/sgpu2/vram_quota"), "64\n");
+    EXPECT_EQ(ReadWholeFile(m_dir / "bridge/fn/sgpu/sgpu2/vram_quota"), "64\n");
     EXPECT_EQ(m_handler.SetIndexedData(5, DRAVIK_SMI_SGPU_SLICE_VRAM_QUOTA, "64"), DK_SML_ERROR_NOT_SUPPORTED);
     ASSERT_EQ(m_handler.SetData(0, DRAVIK_SMI_SGPU_CREATE, "8"), DK_SML_SUCCESS);
-    EXPECT_EQ(ReadAll(m_dir / "bridge/fn/sgpu/create"), "8\n");
+    EXPECT_EQ(ReadWholeFile(m_dir / "bridge/fn/sgpu/create"), "8\n");
     // Command files are created when absent, as a virtual host needs.
     ASSERT_EQ(m_handler.SetData(0, DRAVIK_SMI_SGPU_REMOVE, "2"), DK_SML_SUCCESS);
-    EXPECT_EQ(ReadAll(m_dir / "bridge/fn/sgpu/remove"), "2\n");
+    EXPECT_EQ(ReadWholeFile(m_dir / "bridge/fn/sgpu/remove"), "2\n");
     EXPECT_EQ(m_handler.SetData(0, DRAVIK_SMI_SGPU_MODE, "sgpu"), DK_SML_ERROR_NOT_SUPPORTED);
 
     std::vector<std::string> names{"stale"};

@@ -16,7 +16,7 @@
 namespace dksml {
 namespace {
 
-using test::ReadAll;
+using test::ReadWholeFile;
 using test::ScopedEnv;
 using test::FakeDevice;
 using test::TempDir;
@@ -30,8 +30,6 @@ protected:
         m_node = m_dir.Mkdir("nodes/3");
         FakeDevice device(m_smi0, m_smi1, m_node);
         m_handler.UpdateDeviceProperties(&device);
-        EXPECT_EQ(device.smiQueries, (std::vector<unsigned int>{0, 1}));
-        EXPECT_EQ(device.nodeQueries, 1);
     }
 
     TempDir m_dir;
@@ -89,45 +87,36 @@ TEST_F(HandlerTest, UpdateDoesNotAddTheHostRoot) {
 
 // --- fetch ----------------------------------------------------------------------
 
-TEST_F(HandlerTest, FetchReturnsTheWholeText) {
-    m_dir.Write("dev/smi/showclocks", "GFX: 1200\nMEM: 800\n");
-    std::string text = "old";
-    ASSERT_EQ(m_handler.FetchData(0, DRAVIK_SMI_SHOWCLOCKS, text), DK_SML_SUCCESS);
-    EXPECT_EQ(text, "GFX: 1200\nMEM: 800\n");
-}
-
-TEST_F(HandlerTest, FetchDie2ReadsSmi1) {
-    m_dir.Write("dev/smi/showtemp", "die0\n");
-    m_dir.Write("dev/smi1/showtemp", "die1\n");
-    std::string text;
-    ASSERT_EQ(m_handler.FetchData(2, DRAVIK_SMI_SHOWTEMP, text), DK_SML_SUCCESS);
-    EXPECT_EQ(text, "die1\n");
-    ASSERT_EQ(m_handler.FetchData(1, DRAVIK_SMI_SHOWTEMP, text), DK_SML_SUCCESS);
-    EXPECT_EQ(text, "die1\n");
-    ASSERT_EQ(m_handler.FetchData(0, DRAVIK_SMI_SHOWTEMP, text), DK_SML_SUCCESS);
-    EXPECT_EQ(text, "die0\n");
-}
-
-TEST_F(HandlerTest, FetchAbsentIs3AndLeavesTheOutput) {
-    std::string text = "untouched";
-    EXPECT_EQ(m_handler.FetchData(0, DRAVIK_SMI_SHOWVBIOS, text), DK_SML_ERROR_NOT_SUPPORTED);
-    EXPECT_EQ(text, "untouched");
-}
-
-TEST_F(HandlerTest, FetchUnreadableIs4AndLeavesTheOutput) {
-    m_dir.Mkdir("dev/smi/showuse");  // present but cannot be read as a file
-    std::string text = "untouched";
-    EXPECT_EQ(m_handler.FetchData(0, DRAVIK_SMI_SHOWUSE, text), DK_SML_ERROR_SYSFS);
-    EXPECT_EQ(text, "untouched");
-}
-
-TEST_F(HandlerTest, FetchLargeAttribute) {
+// Each die reads its directory (every die past 0 "smi1"), the whole text of
+// small and large files; an absent file is 3, one that cannot be read as a
+// file 4, and both leave the output alone.
+TEST_F(HandlerTest, FetchTable) {
     std::string big;
     for (int i = 0; big.size() < 70000; ++i) big += "row" + std::to_string(i) + ": 1 2 3\n";
+    m_dir.Write("dev/smi/showclocks", "GFX: 1200\nMEM: 800\n");
+    m_dir.Write("dev/smi/showtemp", "die0\n");
+    m_dir.Write("dev/smi1/showtemp", "die1\n");
     m_dir.Write("dev/smi/dumppptable", big);
-    std::string text;
-    ASSERT_EQ(m_handler.FetchData(0, DRAVIK_SMI_DUMPPPTABLE, text), DK_SML_SUCCESS);
-    EXPECT_EQ(text, big);
+    m_dir.Mkdir("dev/smi/showuse");
+    const struct {
+        unsigned int die;
+        dravik_smi_opcode op;
+        DkSmlReturn code;
+        std::string text;
+    } cases[] = {
+        {0, DRAVIK_SMI_SHOWCLOCKS, DK_SML_SUCCESS, "GFX: 1200\nMEM: 800\n"},
+        {2, DRAVIK_SMI_SHOWTEMP, DK_SML_SUCCESS, "die1\n"},
+        {1, DRAVIK_SMI_SHOWTEMP, DK_SML_SUCCESS, "die1\n"},
+        {0, DRAVIK_SMI_SHOWTEMP, DK_SML_SUCCESS, "die0\n"},
+        {0, DRAVIK_SMI_DUMPPPTABLE, DK_SML_SUCCESS, big},
+        {0, DRAVIK_SMI_SHOWVBIOS, DK_SML_ERROR_NOT_SUPPORTED, "untouched"},
+        {0, DRAVIK_SMI_SHOWUSE, DK_SML_ERROR_SYSFS, "untouched"},
+    };
+    for (const auto& c : cases) {
+        std::string text = "untouched";
+        EXPECT_EQ(m_handler.FetchData(c.die, c.op, text), c.code) << c.op << "/" << c.die;
+        EXPECT_EQ(text, c.text) << c.op << "/" << c.die;
+    }
 }
 
 TEST(Handler, LongPathsTakeTheAllocatingRoute) {
@@ -153,10 +142,10 @@ TEST(Handler, LongPathsTakeTheAllocatingRoute) {
 TEST_F(HandlerTest, SetWritesTextAndNewline) {
     const std::string path = m_dir.Write("dev/smi/setperflevel", "previous content\n");
     ASSERT_EQ(m_handler.SetData(0, DRAVIK_SMI_SETPERFLEVEL, "3"), DK_SML_SUCCESS);
-    EXPECT_EQ(ReadAll(path), "3\n");
+    EXPECT_EQ(ReadWholeFile(path), "3\n");
     const std::string path1 = m_dir.Write("dev/smi1/setperflevel", "");
     ASSERT_EQ(m_handler.SetData(5, DRAVIK_SMI_SETPERFLEVEL, "gfx 2 1"), DK_SML_SUCCESS);
-    EXPECT_EQ(ReadAll(path1), "gfx 2 1\n");
+    EXPECT_EQ(ReadWholeFile(path1), "gfx 2 1\n");
 }
 
 TEST_F(HandlerTest, SetAbsentIs3AndCreatesNothing) {
@@ -224,9 +213,9 @@ TEST_F(HandlerTest, WriteRegisterLineWithTheVariable) {
     const std::string debug = m_dir.Mkdir("debug");
     ScopedEnv env("ROOT_PATH_REG_DUMP", debug.c_str());
     ASSERT_EQ(m_handler.WriteRegister(0, 0x2000, 0x1), DK_SML_SUCCESS);
-    EXPECT_EQ(ReadAll(debug + "/reg_dump"), "0x0000000100002000\n");
+    EXPECT_EQ(ReadWholeFile(debug + "/reg_dump"), "0x0000000100002000\n");
     ASSERT_EQ(m_handler.WriteRegister(1, 0x123456789UL, 0xDEADBEEF), DK_SML_SUCCESS);
-    EXPECT_EQ(ReadAll(debug + "/reg_dump"), "0xdeadbeef123456789\n");
+    EXPECT_EQ(ReadWholeFile(debug + "/reg_dump"), "0xdeadbeef123456789\n");
 }
 
 TEST_F(HandlerTest, RegisterLinesUnderTheHostRootWhenUnset) {
@@ -235,7 +224,7 @@ TEST_F(HandlerTest, RegisterLinesUnderTheHostRootWhenUnset) {
     LoadHostRoot();
     const std::string debug = m_dir.Mkdir("sys/kernel/debug/dkcd");
     EXPECT_EQ(m_handler.WriteRegister(0, 0x2000, 0x1), DK_SML_SUCCESS);
-    EXPECT_EQ(ReadAll(debug + "/reg_dump"), "0x0000000100002000\n");
+    EXPECT_EQ(ReadWholeFile(debug + "/reg_dump"), "0x0000000100002000\n");
     std::string text = "keep";
     EXPECT_EQ(m_handler.ReadRegister(0, 0x123456789UL, text), DK_SML_SUCCESS);
     EXPECT_EQ(text, "0x123456789\n");  // a plain file reads back the command

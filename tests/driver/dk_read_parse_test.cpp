@@ -87,17 +87,6 @@ TEST(ReadSysfsExtractor, SeveralOutputsPartialRead) {
     EXPECT_EQ(name, "gfx");  // one word, as `stream >> std::string`
 }
 
-TEST(ReadSysfsExtractor, OnCursor) {
-    DkTextLines lines("10\n20\n");
-    int a = 0;
-    int b = 0;
-    EXPECT_EQ(ReadSysfs(lines, ExtractRawValueStr, a), DK_SML_SUCCESS);
-    EXPECT_EQ(ReadSysfs(lines, ExtractRawValueStr, b), DK_SML_SUCCESS);
-    EXPECT_EQ(a, 10);
-    EXPECT_EQ(b, 20);
-    EXPECT_EQ(ReadSysfs(lines, ExtractRawValueStr, a), DK_SML_ERROR_SYSFS);
-}
-
 TEST(ReadSysfsExtractor, BoolFollowsTheStream) {
     TempDir dir;
     bool b = false;
@@ -157,18 +146,23 @@ TEST(ReadSysfsLineParser, EachOutputTakesALine) {
 
 DkSmlReturn ParserReturning3(std::string_view, int*) { return DK_SML_ERROR_NOT_SUPPORTED; }
 
-TEST(ReadStringStream, OneLine) {
-    DkTextLines lines("v: 8\nw: 9\n");
+// Both cursor forms take one line each and fail once the lines run out.
+TEST(CursorForms, EachCallTakesOneLine) {
+    DkTextLines lines("v: 8\n10\nw: 9\n");
     int v = 0;
+    int raw = 0;
     EXPECT_EQ(ReadStringStream<int>(lines, ProcessValueByColon<int>, &v), DK_SML_SUCCESS);
     EXPECT_EQ(v, 8);
+    EXPECT_EQ(ReadSysfs(lines, ExtractRawValueStr, raw), DK_SML_SUCCESS);
+    EXPECT_EQ(raw, 10);
     EXPECT_EQ(ReadStringStream<int>(lines, ParserReturning3, &v), DK_SML_ERROR_NOT_SUPPORTED);
     EXPECT_EQ(ReadStringStream<int>(lines, ProcessValueByColon<int>, &v), DK_SML_ERROR_SYSFS);
+    EXPECT_EQ(ReadSysfs(lines, ExtractRawValueStr, raw), DK_SML_ERROR_SYSFS);
 }
 
 // --- ParseValueAfterColon ---------------------------------------------------
 
-TEST(ParseValueAfterColon, SpecCases) {
+TEST(ParseValueAfterColon, ValuesOfEveryLine) {
     std::vector<unsigned int> out;
     EXPECT_EQ(ParseValueAfterColon<unsigned int>("a: 1 2 3\nb: 4\n", out), DK_SML_SUCCESS);
     EXPECT_EQ(out, (std::vector<unsigned int>{1, 2, 3, 4}));
@@ -228,17 +222,13 @@ TEST(ParseKeyValue, FailuresLeaveTheOutputAlone) {
     }
 }
 
-TEST(ParseKeyValue, DuplicateKeys) {
+TEST(ParseKeyValue, DuplicatesEmptyTextAndLabelWithColons) {
     DkKeyValueList list;
     ASSERT_EQ(ParseKeyValue("fan_rpm: 1\nfan_rpm: 2\n", list), DK_SML_SUCCESS);
     EXPECT_EQ(list.size(), 2u);  // file order, both kept
     DkKeyValueMap map;
     ASSERT_EQ(ParseKeyValue("fan_rpm: 1\nfan_rpm: 2\n", map), DK_SML_SUCCESS);
     EXPECT_EQ(map.at("fan_rpm"), (std::vector<int64_t>{2}));  // last one wins
-}
-
-TEST(ParseKeyValue, EmptyTextAndLabelWithColons) {
-    DkKeyValueList list = {{"old", {1}}};
     ASSERT_EQ(ParseKeyValue("", list), DK_SML_SUCCESS);
     EXPECT_TRUE(list.empty());
     ASSERT_EQ(ParseKeyValue("a: b: 3\nc:4", list), DK_SML_SUCCESS);

@@ -4,7 +4,6 @@
 #include <cstring>
 #include <string>
 
-#include "features/process/dk_process_threshold.h"
 #include "process_host.h"
 
 namespace dksml::test {
@@ -12,48 +11,23 @@ namespace {
 
 using ::testing::ElementsAre;
 
-TEST_F(SlicesHost, CountingScanLeavesOutIdleClientsAndNodeHolders) {
+// The names, entries, slices, memory and the cut at 64 entries of each
+// record, in the scan's order, are pinned by dksmi's golden process
+// transcripts of this host; dksmi sorts the records by pid, so the order of the
+// records and what the scan leaves untouched are here.
+TEST_F(SlicesHost, CountingScanAndRecordsLeaveOutIdleClientsAndNodeHolders) {
     uint32_t count = 0;
     ASSERT_EQ(dkSmlGetNumberOfProcess(&count), DK_SML_SUCCESS);
     EXPECT_EQ(count, 3u);  // train, container, wide
-    EXPECT_EQ(dkSmlGetNumberOfProcess(nullptr), DK_SML_ERROR_INVALID_INPUT);
-}
-
-TEST_F(SlicesHost, RecordsHoldEntriesPerAddressAndSliceInOrder) {
     std::vector<DkSmlProcessInfo_v3> records(4);
     ASSERT_EQ(dkSmlGetProcessInfo_v3(4, records.data()), DK_SML_SUCCESS);
-    EXPECT_THAT(PidsOf(records.data(), 3), ElementsAre(c_trainPid, c_containerPid, c_widePid));
-    EXPECT_EQ(records[3].pid, 0u);  // untouched slot stays zeroed
-
-    const DkSmlProcessInfo_v3& train = records[0];
-    EXPECT_STREQ(train.processName, "train_resnet");
-    ASSERT_EQ(train.gpuCount, 2u);
-    EXPECT_STREQ(train.gpuInfo[0].bdf, "0000:1b:00.0");
-    EXPECT_EQ(train.gpuInfo[0].deviceId, c_plainDevice);
-    EXPECT_EQ(train.gpuInfo[0].memoryUsed, 8589934592ull);
-    EXPECT_EQ(train.gpuInfo[0].sgpuId, -1);
-    EXPECT_STREQ(train.gpuInfo[1].bdf, "0000:3b:00.0");
-    EXPECT_EQ(train.gpuInfo[1].deviceId, c_sliceDevice);
-    EXPECT_EQ(train.gpuInfo[1].sgpuId, 0);
-    EXPECT_EQ(train.gpuInfo[2].sgpuId, -1);  // unused entries keep the fresh value
-
-    const DkSmlProcessInfo_v3& container = records[1];
-    ASSERT_EQ(container.gpuCount, 1u);
-    EXPECT_EQ(container.gpuInfo[0].sgpuId, 1);
-    EXPECT_EQ(container.gpuInfo[0].memoryUsed, 2147483648ull);
-
-    // 40 domains on two GPUs: 80 pairs, cut at 64; first GPU first, tags ascending.
-    const DkSmlProcessInfo_v3& wide = records[2];
-    EXPECT_EQ(wide.gpuCount, 64u);
-    EXPECT_EQ(wide.gpuInfo[0].vramTag, 0u);
-    EXPECT_EQ(wide.gpuInfo[39].vramTag, 39u);
-    EXPECT_STREQ(wide.gpuInfo[39].bdf, "0000:1b:00.0");
-    EXPECT_STREQ(wide.gpuInfo[40].bdf, "0000:3b:00.0");
-    EXPECT_EQ(wide.gpuInfo[63].vramTag, 23u);
-    EXPECT_EQ(wide.gpuInfo[63].memoryUsed, 536870912ull + 23);
+    EXPECT_THAT(PidsOf(records.data(), 4), ElementsAre(c_trainPid, c_containerPid, c_widePid, 0u));
+    EXPECT_EQ(records[0].gpuInfo[2].sgpuId, -1);  // unused entries keep the fresh value
 }
 
-TEST_F(SlicesHost, OlderRecordVersionsCopyTheSameFields) {
+// The pids, memory, domains and slices of the older versions are compared with
+// the newest in python/tests/test_families.py; names and bus ids here.
+TEST_F(SlicesHost, OlderRecordVersionsCopyNamesAndBusIds) {
     std::vector<DkSmlProcessInfo_v3> v3(3);
     std::vector<DkSmlProcessInfo_v2> v2(3);
     std::vector<DkSmlProcessInfo> v1(3);
@@ -61,15 +35,8 @@ TEST_F(SlicesHost, OlderRecordVersionsCopyTheSameFields) {
     ASSERT_EQ(dkSmlGetProcessInfo_v2(3, v2.data()), DK_SML_SUCCESS);
     ASSERT_EQ(dkSmlGetProcessInfo(3, v1.data()), DK_SML_SUCCESS);
     for (size_t i = 0; i < 3; ++i) {
-        EXPECT_EQ(v1[i].pid, v3[i].pid);
         EXPECT_EQ(0, std::memcmp(v2[i].processName, v3[i].processName, sizeof(v3[i].processName)));
-        ASSERT_EQ(v2[i].gpuCount, v3[i].gpuCount);
-        for (uint32_t e = 0; e < v3[i].gpuCount; ++e) {
-            EXPECT_STREQ(v1[i].gpuInfo[e].bdf, v3[i].gpuInfo[e].bdf);
-            EXPECT_EQ(v1[i].gpuInfo[e].memoryUsed, v3[i].gpuInfo[e].memoryUsed);
-            EXPECT_EQ(v2[i].gpuInfo[e].vramTag, v3[i].gpuInfo[e].vramTag);
-            EXPECT_EQ(v2[i].gpuInfo[e].deviceId, v3[i].gpuInfo[e].deviceId);
-        }
+        for (uint32_t e = 0; e < v3[i].gpuCount; ++e) EXPECT_STREQ(v1[i].gpuInfo[e].bdf, v3[i].gpuInfo[e].bdf);
     }
 }
 
@@ -101,22 +68,16 @@ TEST_F(SlicesHost, IncludeAllAddsIdleClientsAndDeviceNodeHolders) {
     EXPECT_EQ(counted, count);
 }
 
-TEST_F(SlicesHost, SingleGpuProcessesFollowTheDevice) {
+// The newest form per device is checked in python/tests/test_families.py.
+TEST_F(SlicesHost, SingleGpuProcessesOfTheFirstFormNeedTheDevicesOwnGpuId) {
     std::vector<DkSmlProcessInfo> v1(4);
     uint32_t count = 4;
     ASSERT_EQ(dkSmlGetSingleGpuProcess(c_plainDevice, &count, v1.data()), DK_SML_SUCCESS);
     EXPECT_THAT(PidsOf(v1.data(), count), ElementsAre(c_trainPid, c_widePid));
     EXPECT_EQ(v1[0].gpuCount, 1u);
-
     // The slice parent has no GPU id of its own: only the slice-parent form serves it.
     count = 4;
     EXPECT_EQ(dkSmlGetSingleGpuProcess(c_sliceDevice, &count, v1.data()), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
-    std::vector<DkSmlProcessInfo_v3> v3(4);
-    count = 4;
-    ASSERT_EQ(dkSmlGetSingleGpuProcess_v3(c_sliceDevice, &count, v3.data()), DK_SML_SUCCESS);
-    EXPECT_THAT(PidsOf(v3.data(), count), ElementsAre(c_containerPid));  // first entry on the parent
-    count = 4;
-    EXPECT_EQ(dkSmlGetSingleGpuProcess_v3(42, &count, v3.data()), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
 }
 
 TEST_F(SlicesHost, CompatibilityViewSumsMemoryPerProcess) {
@@ -131,7 +92,6 @@ TEST_F(SlicesHost, CompatibilityViewSumsMemoryPerProcess) {
     ASSERT_EQ(count, 2u);
     EXPECT_EQ(infos[0].pid, c_trainPid);
     EXPECT_EQ(infos[0].usedGpuMemory, 8589934592ull);
-    EXPECT_EQ(dkSmlExDeviceGetComputeRunningProcesses(handle, nullptr, infos), DK_SML_EX_ERROR_INVALID_ARGUMENT);
 }
 
 TEST_F(SlicesHost, SlicesCountAsDevicesInTheCompatibilityFamily) {
@@ -175,12 +135,6 @@ TEST_F(SlicesHost, DefaultSystemCallsNeverSignalUnderAHostRoot) {
     DkSysUtils sys;
     EXPECT_EQ(sys.Kill(1, 0), 0);
     EXPECT_NE(sys.Kill(1, 9), 0);
-}
-
-TEST(ProcessThreshold, EveryBrandHasOneRowAndUnknownFallsBack) {
-    EXPECT_EQ(GetProcessMemoryThreshold(DK_SML_BRAND_DKK), 16 * c_mebibyte);
-    EXPECT_EQ(GetProcessMemoryThreshold(static_cast<DkSmlDeviceBrand>(77)),
-              GetProcessMemoryThreshold(DK_SML_BRAND_UNKNOWN));
 }
 
 }  // namespace

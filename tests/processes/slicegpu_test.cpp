@@ -38,12 +38,8 @@ private:
     std::string m_written;
 };
 
-TEST_F(SlicesHost, ModeReadsPerDeviceAndNativeRefusesSliceOperations) {
-    uint32_t on = 7;
-    ASSERT_EQ(dkSmlGetSgpuToggle(c_sliceDevice, &on), DK_SML_SUCCESS);
-    EXPECT_EQ(on, 1u);
-    ASSERT_EQ(dkSmlGetSgpuToggle(c_plainDevice, &on), DK_SML_SUCCESS);
-    EXPECT_EQ(on, 0u);
+// The mode of each device is pinned by dksmi's golden transcripts.
+TEST_F(SlicesHost, NativeDeviceRefusesSliceOperations) {
     uint32_t id = 0, value = 0;
     DkSmlSgpuInfo info{};
     EXPECT_EQ(dkSmlCreateSgpu(c_plainDevice, 1, 1, &id), DK_SML_ERROR_NOT_SUPPORTED);
@@ -52,50 +48,31 @@ TEST_F(SlicesHost, ModeReadsPerDeviceAndNativeRefusesSliceOperations) {
     EXPECT_EQ(dkSmlGetDeviceTimeslice(c_plainDevice, &value), DK_SML_ERROR_NOT_SUPPORTED);
     EXPECT_EQ(dkSmlSetSgpuVramQuota(c_plainDevice, 0, 1), DK_SML_ERROR_NOT_SUPPORTED);
     EXPECT_EQ(dkSmlGetSgpuCount(c_plainDevice), 0u);
-    EXPECT_EQ(dkSmlGetSgpuToggle(c_sliceDevice, nullptr), DK_SML_ERROR_INVALID_INPUT);
-    EXPECT_EQ(dkSmlGetSgpuToggle(42, &on), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
 }
 
+// Turning it on is checked in python/tests/test_families.py.
 TEST_F(SlicesHost, ToggleWritesTheWordWithANewline) {
-    ASSERT_EQ(dkSmlSetSgpuToggle(c_plainDevice, 1), DK_SML_SUCCESS);
-    EXPECT_EQ(host->ReadFile("/sys/devices/pci0000:17/0000:17:01.0/0000:1b:00.0/model"), "sgpu\n");
-    uint32_t on = 0;
-    ASSERT_EQ(dkSmlGetSgpuToggle(c_plainDevice, &on), DK_SML_SUCCESS);
-    EXPECT_EQ(on, 1u);
     ASSERT_EQ(dkSmlSetSgpuToggle(c_sliceDevice, 0), DK_SML_SUCCESS);
     EXPECT_EQ(host->ReadFile(SgpuFile("../model")), "native\n");
     host->Remove("/sys/devices/pci0000:17/0000:17:01.0/0000:1b:00.0/model");
     EXPECT_EQ(dkSmlSetSgpuToggle(c_plainDevice, 1), DK_SML_ERROR_NOT_SUPPORTED);
 }
 
+// Each slice's quotas, uuid, state, usage and memory are pinned by dksmi's
+// golden transcripts, the slice count, timeslice and total quota by the Python
+// tests; the other device-wide readings and the node number are here.
 TEST_F(SlicesHost, SliceReadingsComeFromTheSliceAndItsLayoutNode) {
-    EXPECT_EQ(dkSmlGetSgpuCount(c_sliceDevice), 3u);
     DkSmlSgpuInfo info{};
     ASSERT_EQ(dkSmlGetSgpuInfo(c_sliceDevice, 0, &info), DK_SML_SUCCESS);
-    EXPECT_EQ(info.vramQuota, 16384u);
-    EXPECT_EQ(info.computeQuota, 25u);
     EXPECT_EQ(info.minor, 200u);
-    EXPECT_EQ(std::string(info.uuid).rfind("GPU-", 0), 0u);
-    EXPECT_GT(std::string(info.uuid).size(), 4u);
-    int32_t state = -1, usage = -1;
-    ASSERT_EQ(dkSmlGetSgpuState(c_sliceDevice, 3, &state), DK_SML_SUCCESS);
-    EXPECT_EQ(state, 0);
-    ASSERT_EQ(dkSmlGetSgpuUsage(c_sliceDevice, 0, &usage), DK_SML_SUCCESS);
-    EXPECT_EQ(usage, 37);
+    int32_t usage = -1;
     EXPECT_EQ(dkSmlGetSgpuUsage(c_sliceDevice, 2, &usage), DK_SML_ERROR_NOT_SUPPORTED);  // no slice 2
-    DkSmlSgpuMemoryInfo memory{};
-    ASSERT_EQ(dkSmlGetSgpuMemory(c_sliceDevice, 1, &memory), DK_SML_SUCCESS);
-    EXPECT_EQ(memory.values[1], 1073741824ull);
     DkSmlSgpuAvailableQuota quota{};
     ASSERT_EQ(dkSmlGetSgpuAvailableQuota(c_sliceDevice, &quota), DK_SML_SUCCESS);
-    EXPECT_EQ(quota.totalVramQuota, 65536u);
     EXPECT_EQ(quota.availableVramQuota, 65536u - 40960u);
     EXPECT_EQ(quota.availableComputeQuota, 40u);
-    uint32_t timeslice = 0;
     DkSmlSchedClass schedClass = 0;
-    ASSERT_EQ(dkSmlGetDeviceTimeslice(c_sliceDevice, &timeslice), DK_SML_SUCCESS);
     ASSERT_EQ(dkSmlGetDeviceSchedClass(c_sliceDevice, &schedClass), DK_SML_SUCCESS);
-    EXPECT_EQ(timeslice, 20u);
     EXPECT_EQ(schedClass, 2u);
 }
 
@@ -107,11 +84,6 @@ TEST_F(SlicesHost, AliasAndAnnotationIdFollowTheTextRule) {
     size = 8;
     EXPECT_EQ(dkSmlGetSgpuAlias(c_sliceDevice, 0, text, &size), DK_SML_ERROR_INSUFFICIENT_SIZE);
     EXPECT_EQ(size, 9u);
-    ASSERT_EQ(dkSmlSetSgpuAlias(c_sliceDevice, 1, "batch"), DK_SML_SUCCESS);
-    EXPECT_EQ(host->ReadFile(SgpuFile("sgpu1/alias")), "batch");  // the whole file, no newline
-    size = sizeof text;
-    ASSERT_EQ(dkSmlGetSgpuAlias(c_sliceDevice, 1, text, &size), DK_SML_SUCCESS);
-    EXPECT_STREQ(text, "batch");
 
     size = sizeof text;
     ASSERT_EQ(dkSmlGetSgpuAnnotationsId(c_sliceDevice, 0, text, &size), DK_SML_SUCCESS);
@@ -128,19 +100,13 @@ TEST_F(SlicesHost, AliasAndAnnotationIdFollowTheTextRule) {
     EXPECT_EQ(dkSmlGetSgpuAnnotationsId(c_sliceDevice, 9, text, &size), DK_SML_ERROR_SYSFS);
 }
 
+// The quotas, the timeslice, the alias and the removal are checked in
+// python/tests/test_families.py.
 TEST_F(SlicesHost, SettersWriteOneDecimalToTheirFile) {
-    ASSERT_EQ(dkSmlSetSgpuVramQuota(c_sliceDevice, 1, 4096), DK_SML_SUCCESS);
-    ASSERT_EQ(dkSmlSetSgpuComputeQuota(c_sliceDevice, 1, 30), DK_SML_SUCCESS);
     ASSERT_EQ(dkSmlSetSgpuDeviceQueuePriority(c_sliceDevice, 1, 2), DK_SML_SUCCESS);
-    ASSERT_EQ(dkSmlSetDeviceTimeslice(c_sliceDevice, 15), DK_SML_SUCCESS);
     ASSERT_EQ(dkSmlSetDeviceSchedClass(c_sliceDevice, 1), DK_SML_SUCCESS);
-    ASSERT_EQ(dkSmlRemoveSgpu(c_sliceDevice, 3), DK_SML_SUCCESS);
-    EXPECT_EQ(host->ReadFile(SgpuFile("sgpu1/vram_quota")), "4096\n");
-    EXPECT_EQ(host->ReadFile(SgpuFile("sgpu1/sched_quota")), "30\n");
     EXPECT_EQ(host->ReadFile(SgpuFile("sgpu1/online")), "2\n");  // the driver's priority file
-    EXPECT_EQ(host->ReadFile(SgpuFile("sched_timeslice")), "15\n");
     EXPECT_EQ(host->ReadFile(SgpuFile("sched_class")), "1\n");
-    EXPECT_EQ(host->ReadFile(SgpuFile("remove")), "3\n");
 }
 
 TEST_F(SlicesHost, CreateUndoesASliceWhoseQuotaCannotBeSet) {

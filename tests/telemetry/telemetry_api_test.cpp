@@ -1,63 +1,40 @@
-// The clock, throttle, temperature and fan exports on the "server" virtual
-// host: the argument checks and refusals (the readings themselves are in the
-// golden dksmi transcripts).
+// The clock, throttle, temperature, fan and die-record exports on the
+// "server" virtual host: the argument checks, refusals and the record forms
+// (the readings, die records and sensor tables are in the golden dksmi
+// transcripts; null pointers
+// and unknown indices of the other exports in the native frame test; the
+// voltage rows' count protocol and values in the Python module's tests).
 #include <gtest/gtest.h>
 
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include "dksml.h"
-#include "vhost/dk_virtual_host.h"
+#include "support/dk_server_suite.h"
 
 namespace dksml::test {
 namespace {
 
+constexpr uint32_t c_twoDieDevice = 0;  // 0000:1b:00.0
+constexpr uint32_t c_unknownIndex = 4242;
 
-struct Gpu {
-    uint32_t index;
-    std::string bdf;
-    uint32_t dies;
-};
+// One host for the whole suite: the readings do not change the host.
+using TelemetryApiTest = ServerSuite;
 
-// One host and one discovery for the whole suite: the readings do not change
-// the host.
-class TelemetryApiTest : public ::testing::Test {
-protected:
-    static void SetUpTestSuite() {
-        host = new vhost::ScopedHost(std::string_view("server"));
-        if (dkSmlInitWithFlags(1) != DK_SML_SUCCESS) return;
-        for (uint32_t index = 0; index < dkSmlGetDeviceCount(); ++index) {
-            DkSmlDeviceInfo info{};
-            uint32_t dies = 0;
-            if (dkSmlGetDeviceInfo(index, &info) != DK_SML_SUCCESS) continue;
-            if (dkSmlGetDeviceDieCount(index, &dies) != DK_SML_SUCCESS) continue;
-            gpus.push_back({index, info.bdfId, dies});
-        }
-    }
-    static void TearDownTestSuite() {
-        gpus.clear();
-        delete host;
-        host = nullptr;
-    }
-    void SetUp() override { ASSERT_FALSE(gpus.empty()) << "discovery found no device on the server host"; }
-
-    static inline vhost::ScopedHost* host = nullptr;
-    static inline std::vector<Gpu> gpus;
-};
-
-// Null pointers and unknown indices are checked for every export by the
-// native frame test; these are the die and sensor checks.
-TEST_F(TelemetryApiTest, DieAndSensorAreChecked) {
-    const Gpu& gpu = gpus.front();
+TEST_F(TelemetryApiTest, RefusesNullPointersUnknownDevicesDiesAndSensors) {
+    DkSmlTemperature record{};
+    DkSmlTemperatureSensorForAll table{};
     DkSmlClocksFreqForAll clocks{};
     uint64_t mask = 0;
     int32_t value = 0;
-    EXPECT_EQ(dkSmlGetClocks(gpu.index, gpu.dies, &clocks), DK_SML_ERROR_INVALID_DIE_ID);
-    EXPECT_EQ(dkSmlGetCurrentClocksThrottleReason(gpu.index, gpu.dies, &mask), DK_SML_ERROR_INVALID_DIE_ID);
-    EXPECT_EQ(dkSmlGetDieTemperatureInfo(gpu.index, gpu.dies, DK_SML_TEMPERATURE_SOC, &value),
+    uint32_t count = 0;
+    EXPECT_EQ(dkSmlGetDieTemperatureRecord(c_twoDieDevice, 0, nullptr), DK_SML_ERROR_INVALID_INPUT);
+    EXPECT_EQ(dkSmlGetDieTemperatureSensor(c_twoDieDevice, 0, nullptr), DK_SML_ERROR_INVALID_INPUT);
+    EXPECT_EQ(dkSmlGetDieVmInfo(c_twoDieDevice, 0, nullptr, nullptr), DK_SML_ERROR_INVALID_INPUT);
+    EXPECT_EQ(dkSmlGetDieTemperatureRecord(c_unknownIndex, 0, &record), DK_SML_ERROR_DEVICE_NOT_AVAILABLE);
+    EXPECT_EQ(dkSmlGetDieTemperatureSensor(c_twoDieDevice, 2, &table), DK_SML_ERROR_INVALID_DIE_ID);
+    EXPECT_EQ(dkSmlGetDieVmInfo(c_twoDieDevice, 2, &count, nullptr), DK_SML_ERROR_INVALID_DIE_ID);
+    EXPECT_EQ(dkSmlGetClocks(c_twoDieDevice, 2, &clocks), DK_SML_ERROR_INVALID_DIE_ID);
+    EXPECT_EQ(dkSmlGetCurrentClocksThrottleReason(c_twoDieDevice, 2, &mask), DK_SML_ERROR_INVALID_DIE_ID);
+    EXPECT_EQ(dkSmlGetDieTemperatureInfo(c_twoDieDevice, 2, DK_SML_TEMPERATURE_SOC, &value),
               DK_SML_ERROR_INVALID_DIE_ID);
-    EXPECT_EQ(dkSmlGetTemperatureInfo(gpu.index, static_cast<DkSmlTemperatureSensors>(5), &value),
+    EXPECT_EQ(dkSmlGetTemperatureInfo(c_twoDieDevice, static_cast<DkSmlTemperatureSensors>(5), &value),
               DK_SML_ERROR_INVALID_INPUT);
 }
 
@@ -71,6 +48,19 @@ TEST_F(TelemetryApiTest, VirtualFunctionClocksAreRefused) {
     EXPECT_EQ(dkSmlGetClocks(vfIndex, DK_SML_DIE_ALL, &clocks), DK_SML_ERROR_NOT_SUPPORTED);
     EXPECT_EQ(dkSmlGetCurrentClocksThrottleReason(vfIndex, DK_SML_DIE_ALL, &mask), DK_SML_ERROR_NOT_SUPPORTED);
     EXPECT_EQ(dkSmlGetFanSpeedInfo(vfIndex, &rpm, &pwm), DK_SML_ERROR_NOT_SUPPORTED);
+}
+
+TEST_F(TelemetryApiTest, RecordAgreesWithTheSingleSensorReadsOnEveryDie) {
+    for (uint32_t die = 0; die < 2; ++die) {
+        DkSmlTemperature record{};
+        ASSERT_EQ(dkSmlGetDieTemperatureRecord(c_twoDieDevice, die, &record), DK_SML_SUCCESS);
+        int32_t hotspot = 0;
+        int32_t soc = 0;
+        ASSERT_EQ(dkSmlGetDieTemperatureInfo(c_twoDieDevice, die, DK_SML_TEMPERATURE_HOTSPOT, &hotspot), DK_SML_SUCCESS);
+        ASSERT_EQ(dkSmlGetDieTemperatureInfo(c_twoDieDevice, die, DK_SML_TEMPERATURE_SOC, &soc), DK_SML_SUCCESS);
+        EXPECT_EQ(record.hotspot, hotspot);
+        EXPECT_EQ(record.soc, soc);
+    }
 }
 
 }  // namespace

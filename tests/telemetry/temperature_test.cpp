@@ -1,8 +1,6 @@
 // DkTemperature against canned "showtemp" and "showtstemp" text.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "features/temperature/dk_temperature.h"
@@ -76,39 +74,29 @@ TEST_F(TemperatureTest, DieReadPassesErrorsUp) {
 
 // Merge over dies ------------------------------------------------------------
 
-TEST_F(TemperatureTest, SingleMergeRule) {
-    struct Case {
-        int32_t kept, candidate, expected;
-    };
-    for (const Case& c : {Case{c_invalid, 40, 40}, Case{30, 40, 40}, Case{50, 40, 50}, Case{50, c_invalid, 50},
-                          Case{50, 70000, 50}, Case{c_invalid, -5, -5}, Case{-10, -5, -5}, Case{70000, 3, 3}}) {
-        int32_t kept = c.kept;
-        temperature.ExtractSingleHighestTemp(kept, c.candidate);
-        EXPECT_EQ(kept, c.expected) << c.kept << " vs " << c.candidate;
-    }
-}
-
+// Field by field: the larger valid reading wins; an invalid or out-of-range
+// reading never wins and is replaced by any valid one, a negative included.
 TEST_F(TemperatureTest, TwoDieMergeIgnoresInvalidAndTakesTheLarger) {
     device.dieCount = 2;
-    device.Serve(0, DRAVIK_SMI_SHOWTEMP, "hotspot: 65535\nsoc: 55\ncore: 60\nsensor[7]: 80\n");
-    device.Serve(1, DRAVIK_SMI_SHOWTEMP, "hotspot: 62\nsoc: 57\nhbm: 1\nmc0: -3\nsensor[2]: 90\n");
+    device.Serve(0, DRAVIK_SMI_SHOWTEMP, "hotspot: 65535\nsoc: 55\ncore: 60\nhotlimit: 100\nmc1: -10\nsgm: 40\n"
+                                         "emclocal: 70000\nsensor[7]: 80\n");
+    device.Serve(1, DRAVIK_SMI_SHOWTEMP, "hotspot: 62\nsoc: 57\ncore: 40\nhotlimit: 70000\nmc0: -3\nmc1: -5\n"
+                                         "emclocal: 3\nhbm: 1\nsensor[2]: 90\n");
     DkSmlTemperature t{};
     ASSERT_EQ(temperature.GetTemperature(&device, &t), DK_SML_SUCCESS);
     EXPECT_EQ(t.hotspot, 62);
     EXPECT_EQ(t.soc, 57);
     EXPECT_EQ(t.core, 60);
-    EXPECT_EQ(t.mc0, -3);          // a negative reading beats no reading
-    EXPECT_EQ(t.mc1, c_invalid);
-    EXPECT_EQ(t.memCtrlMax, c_invalid);
+    EXPECT_EQ(t.hotLimit, 100);
+    EXPECT_EQ(t.mc0, -3);  // a negative reading beats no reading
+    EXPECT_EQ(t.mc1, -5);
+    EXPECT_EQ(t.memCtrlMax, -3);  // die 1's; die 0 has no pair
+    EXPECT_EQ(t.sgm, 40);
+    EXPECT_EQ(t.emcLocal, 3);
     EXPECT_EQ(t.hottestSensorIndex, 7);  // largest index, not the hottest die's
-    EXPECT_EQ(t.hotLimit, c_invalid);
-}
-
-TEST_F(TemperatureTest, MergeStopsAtAFailingDie) {
-    device.dieCount = 2;
-    device.Serve(0, DRAVIK_SMI_SHOWTEMP, "soc: 55\n");
+    EXPECT_EQ(t.emcRemote, c_invalid);
+    // The merge stops at a failing die.
     device.Fail(1, DRAVIK_SMI_SHOWTEMP, DK_SML_ERROR_SYSFS);
-    DkSmlTemperature t{};
     EXPECT_EQ(temperature.GetTemperature(&device, &t), DK_SML_ERROR_SYSFS);
 }
 
@@ -159,13 +147,8 @@ TEST_F(TemperatureTest, DeviceHotspotIsThePlainLargerValue) {
     // Any other selector reports die 0 only.
     ASSERT_EQ(temperature.GetTemperature(&device, DK_SML_TEMPERATURE_HOTLIMIT, &value), DK_SML_SUCCESS);
     EXPECT_EQ(value, 100);
-}
-
-TEST_F(TemperatureTest, DeviceHotspotFailsWhenALaterDieFails) {
-    device.dieCount = 2;
-    device.Serve(0, DRAVIK_SMI_SHOWTEMP, "hotspot: 60\n");
+    // The hotspot fails when a later die has none.
     device.Serve(1, DRAVIK_SMI_SHOWTEMP, "soc: 50\n");
-    int32_t value = 0;
     EXPECT_EQ(temperature.GetTemperature(&device, DK_SML_TEMPERATURE_HOTSPOT, &value), DK_SML_ERROR_NOT_SUPPORTED);
 }
 
@@ -178,35 +161,26 @@ protected:
     DkSmlTemperatureSensorForAll table{};
 };
 
+// A literal 65535 ends a row, a row keeps at most 16 readings, an overlong
+// line does not spill into the next row, and rows stop at the table size.
 TEST_F(SensorTableTest, RowsAndCounts) {
-    WriteTable("row0: 45 46 47\nrow1: 1 2 65535 4\nrow2:\nrow3: 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17\n");
+    std::string text = "row0: 45 46 47\nrow1: 1 2 65535 4\nrow2:\nrow3: 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17\n";
+    text += "row4: 1 2" + std::string(10000, ' ') + "3\nrow5: 9\n";
+    for (int row = 6; row < 50; ++row) text += "row" + std::to_string(row) + ": " + std::to_string(row) + "\n";
+    WriteTable(text);
     ASSERT_EQ(temperature.GetTemperatureSensor(&device, &table), DK_SML_SUCCESS);
-    ASSERT_EQ(table.rowCount, 4u);
+    ASSERT_EQ(table.rowCount, static_cast<uint32_t>(DK_SML_TEMPERATURE_SENSOR_ROWS));
     EXPECT_EQ(table.rows[0].count, 3u);
     EXPECT_EQ(table.rows[0].readings[2], 47);
     EXPECT_EQ(table.rows[0].readings[3], c_invalid);
-    EXPECT_EQ(table.rows[1].count, 2u);  // a literal 65535 ends the row
+    EXPECT_EQ(table.rows[1].count, 2u);
     EXPECT_EQ(table.rows[1].readings[3], 4);
     EXPECT_EQ(table.rows[2].count, 0u);
     EXPECT_EQ(table.rows[3].count, 16u);
     EXPECT_EQ(table.rows[3].readings[15], 16);
-}
-
-TEST_F(SensorTableTest, StopsAtTheTableSize) {
-    std::string text;
-    for (int row = 0; row < 50; ++row) text += "row" + std::to_string(row) + ": " + std::to_string(row) + "\n";
-    WriteTable(text);
-    ASSERT_EQ(temperature.GetTemperatureSensor(&device, &table), DK_SML_SUCCESS);
-    EXPECT_EQ(table.rowCount, static_cast<uint32_t>(DK_SML_TEMPERATURE_SENSOR_ROWS));
+    EXPECT_EQ(table.rows[4].count, 2u);
+    EXPECT_EQ(table.rows[5].readings[0], 9);
     EXPECT_EQ(table.rows[DK_SML_TEMPERATURE_SENSOR_ROWS - 1].readings[0], DK_SML_TEMPERATURE_SENSOR_ROWS - 1);
-}
-
-TEST_F(SensorTableTest, OverlongLineDoesNotSpillIntoTheNextRow) {
-    WriteTable("row0: 1 2" + std::string(10000, ' ') + "3\nrow1: 9\n");
-    ASSERT_EQ(temperature.GetTemperatureSensor(&device, &table), DK_SML_SUCCESS);
-    ASSERT_EQ(table.rowCount, 2u);
-    EXPECT_EQ(table.rows[0].count, 2u);
-    EXPECT_EQ(table.rows[1].readings[0], 9);
 }
 
 TEST_F(SensorTableTest, GateAndMissingFile) {

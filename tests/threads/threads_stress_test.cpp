@@ -4,7 +4,9 @@
 // must give the right answer). Run under ThreadSanitizer in CI, where any
 // report fails the job. DKSML_STRESS_MS sets each scenario's length and
 // DKSML_STRESS_READERS the reader count; the queries-only scenario prints
-// the reader throughput.
+// the reader throughput. The handle rule itself (a forced pass refuses older
+// handles, forged ones are refused) is pinned in tests/discovery and
+// tests/api/compat_server_test.cpp.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -36,8 +38,6 @@ DkSmlExDevice HandleOf(uint32_t deviceIndex) {
     if (dkSmlGetDeviceInfo(deviceIndex, &info) != DK_SML_SUCCESS) return nullptr;
     return dkSmlExGetDeviceHandleByPciBusId(info.bdfId, &handle) == DK_SML_EX_SUCCESS ? handle : nullptr;
 }
-
-enum class DkRediscovery { None, Alternate, InitOnly };
 
 class ThreadsStressTest : public ::testing::Test {
 protected:
@@ -89,18 +89,18 @@ protected:
         ++wrongCount;
     }
 
-    void Run(DkRediscovery mode) {
+    // With `rediscover`, one more thread alternates plain and forced initialisation.
+    void Run(bool rediscover) {
         const unsigned readers = EnvNumber("DKSML_STRESS_READERS", 16);
         const auto length = std::chrono::milliseconds(EnvNumber("DKSML_STRESS_MS", 300));
         std::atomic<bool> stop{false};
         std::atomic<unsigned> failedInits{0};
         std::vector<std::thread> threads;
         for (unsigned i = 0; i < readers; ++i) threads.emplace_back([&, i] { Read(i, stop); });
-        if (mode != DkRediscovery::None) {
+        if (rediscover) {
             threads.emplace_back([&] {
                 for (unsigned round = 0; !stop.load(std::memory_order_relaxed); ++round) {
-                    bool force = mode == DkRediscovery::Alternate && round % 2 == 1;
-                    if ((force ? dkSmlInitWithFlags(1) : dkSmlInit()) != DK_SML_SUCCESS) ++failedInits;
+                    if ((round % 2 == 1 ? dkSmlInitWithFlags(1) : dkSmlInit()) != DK_SML_SUCCESS) ++failedInits;
                 }
             });
         }
@@ -125,11 +125,9 @@ protected:
     unsigned wrongCount = 0;
 };
 
-TEST_F(ThreadsStressTest, QueriesOnly) { Run(DkRediscovery::None); }
+TEST_F(ThreadsStressTest, QueriesOnly) { Run(false); }
 
-TEST_F(ThreadsStressTest, QueriesWhileForcedAndPlainInitAlternate) { Run(DkRediscovery::Alternate); }
-
-TEST_F(ThreadsStressTest, QueriesWhileInitIsRepeated) { Run(DkRediscovery::InitOnly); }
+TEST_F(ThreadsStressTest, QueriesWhileForcedAndPlainInitAlternate) { Run(true); }
 
 // No queries: initialisation alone from several threads, forced or not.
 TEST_F(ThreadsStressTest, ConcurrentInitialisation) {
@@ -144,34 +142,6 @@ TEST_F(ThreadsStressTest, ConcurrentInitialisation) {
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(failed.load(), 0u);
     EXPECT_EQ(Answers(), expected);
-}
-
-// The rediscovery rule: a plain dkSmlInit keeps handles; a forced one makes
-// them answer DK_SML_EX_ERROR_INVALID_ARGUMENT, and handles asked for again
-// answer as before. A value that was never a handle answers it too.
-TEST_F(ThreadsStressTest, HandlesOfAReplacedDiscoveryAnswerInvalidArgument) {
-    DkSmlExDevice before = HandleOf(0);
-    ASSERT_NE(before, nullptr);
-    char name[96] = {};
-    ASSERT_EQ(dkSmlExDeviceGetName(before, name, sizeof(name)), DK_SML_EX_SUCCESS);
-    ASSERT_EQ(dkSmlInit(), DK_SML_SUCCESS);
-    EXPECT_EQ(dkSmlExDeviceGetName(before, name, sizeof(name)), DK_SML_EX_SUCCESS);
-
-    ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
-    EXPECT_EQ(dkSmlExDeviceGetName(before, name, sizeof(name)), DK_SML_EX_ERROR_INVALID_ARGUMENT);
-    uint32_t minor = 0;
-    EXPECT_EQ(dkSmlExDeviceGetMinorNumber(before, &minor), DK_SML_EX_ERROR_INVALID_ARGUMENT);
-
-    DkSmlExDevice after = HandleOf(0);
-    ASSERT_NE(after, nullptr);
-    EXPECT_NE(after, before);
-    EXPECT_EQ(dkSmlExDeviceGetName(after, name, sizeof(name)), DK_SML_EX_SUCCESS);
-
-    int local = 0;
-    for (void* forged : {static_cast<void*>(&local), reinterpret_cast<void*>(uintptr_t{1}),
-                         reinterpret_cast<void*>(UINTPTR_MAX)})
-        EXPECT_EQ(dkSmlExDeviceGetName(static_cast<DkSmlExDevice>(forged), name, sizeof(name)),
-                  DK_SML_EX_ERROR_INVALID_ARGUMENT);
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
-// The configuration-space encoder, checked by decoding its output the way a
-// PCI tool does: fixed header offsets, then the capability pointers.
+// The configuration-space encoder's bridge header, checked by decoding it the
+// way a PCI tool does: fixed header offsets, then the capability pointers.
+// (lspci reads every function of the shipped profiles in tests/realtools:
+// ids, subsystem, revision, links and the SR-IOV capability.)
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -27,52 +29,6 @@ size_t FindCapability(const std::string& space, uint8_t id) {
     return 0;
 }
 
-size_t FindExtendedCapability(const std::string& space, uint16_t id) {
-    if (space.size() < 4096) return 0;
-    for (size_t at = 0x100, hops = 0; at != 0 && hops < 64; ++hops) {
-        const uint32_t header = Read(space, at, 4);
-        if ((header & 0xffff) == id) return at;
-        at = header >> 20;
-    }
-    return 0;
-}
-
-ConfigSpaceSpec Endpoint() {
-    ConfigSpaceSpec spec;
-    spec.vendorId = 0x1e27;
-    spec.deviceId = 0x1601;
-    spec.classCode = 0x120000;
-    spec.revision = 0x03;
-    spec.subsystemVendorId = 0x1e28;
-    spec.subsystemDeviceId = 0x0042;
-    spec.maxLink = {5, 16};
-    spec.currentLink = {4, 8};
-    return spec;
-}
-
-TEST(ConfigSpace, EndpointHeaderAndLinkDecode) {
-    const std::string space = EncodeConfigSpace(Endpoint());
-    ASSERT_EQ(space.size(), 256u);
-    EXPECT_EQ(Read(space, 0x00, 2), 0x1e27u);
-    EXPECT_EQ(Read(space, 0x02, 2), 0x1601u);
-    EXPECT_EQ(Read(space, 0x08, 1), 0x03u);
-    EXPECT_EQ(Read(space, 0x09, 3), 0x120000u);
-    EXPECT_EQ(Read(space, 0x0e, 1) & 0x7f, 0u);
-    EXPECT_EQ(Read(space, 0x2c, 2), 0x1e28u);
-    EXPECT_EQ(Read(space, 0x2e, 2), 0x0042u);
-    const size_t pcie = FindCapability(space, 0x10);
-    ASSERT_NE(pcie, 0u);
-    EXPECT_EQ((Read(space, pcie + 2, 2) >> 4) & 0xf, 0u);  // endpoint
-    const uint32_t linkCap = Read(space, pcie + 0x0c, 4);
-    EXPECT_EQ(linkCap & 0xf, 5u);
-    EXPECT_EQ((linkCap >> 4) & 0x3f, 16u);
-    const uint32_t linkStatus = Read(space, pcie + 0x12, 2);
-    EXPECT_EQ(linkStatus & 0xf, 4u);
-    EXPECT_EQ((linkStatus >> 4) & 0x3f, 8u);
-    EXPECT_EQ(Read(space, pcie + 0x2c, 4), 0x3eu);  // 2.5 to 32 GT/s supported
-    EXPECT_EQ(FindExtendedCapability(space, 0x0010), 0u);
-}
-
 TEST(ConfigSpace, BridgeCarriesBusNumbersAndPortType) {
     ConfigSpaceSpec spec;
     spec.vendorId = 0x1000;
@@ -96,21 +52,6 @@ TEST(ConfigSpace, BridgeCarriesBusNumbersAndPortType) {
     EXPECT_EQ((Read(space, pcie + 2, 2) >> 4) & 0xf, 6u);
     EXPECT_EQ(Read(space, pcie + 0x0c, 4) >> 24, 0x18u);
     EXPECT_NE(Read(space, pcie + 0x12, 2) & (1u << 13), 0u);  // link up below the port
-}
-
-TEST(ConfigSpace, PhysicalFunctionAdvertisesItsVirtualFunctions) {
-    ConfigSpaceSpec spec = Endpoint();
-    spec.sriov = SriovState{8, 2, 1, 1, 0x1681};
-    const std::string space = EncodeConfigSpace(spec);
-    ASSERT_EQ(space.size(), 4096u);
-    const size_t sriov = FindExtendedCapability(space, 0x0010);
-    ASSERT_EQ(sriov, c_sriovCapabilityOffset);
-    EXPECT_EQ(Read(space, sriov + 0x08, 2) & 1u, 1u);  // VFs enabled
-    EXPECT_EQ(Read(space, sriov + 0x0e, 2), 8u);
-    EXPECT_EQ(Read(space, sriov + 0x10, 2), 2u);
-    EXPECT_EQ(Read(space, sriov + 0x14, 2), 1u);
-    EXPECT_EQ(Read(space, sriov + 0x16, 2), 1u);
-    EXPECT_EQ(Read(space, sriov + 0x1a, 2), 0x1681u);
 }
 
 TEST(CpuLists, ParseAndMask) {

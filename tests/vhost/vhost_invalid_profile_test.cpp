@@ -4,6 +4,7 @@
 #include <fstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -103,19 +104,19 @@ TEST_P(InvalidProfile, ThrowsWithAClearMessageAndLeavesTheDirectoryAlone) {
 INSTANTIATE_TEST_SUITE_P(Cases, InvalidProfile, testing::ValuesIn(c_invalidCases),
                          [](const testing::TestParamInfo<InvalidCase>& param) { return param.param.name; });
 
-TEST(LoadProfile, UnknownNameNamesTheFileItLookedFor) {
-    try {
-        LoadProfile("no-such-profile");
-        FAIL();
-    } catch (const std::runtime_error& error) {
-        EXPECT_NE(std::string(error.what()).find("no-such-profile.json"), std::string::npos) << error.what();
-    }
-}
-
-TEST(LoadProfile, MalformedJsonIsReportedWithThePath) {
+TEST(LoadProfile, UnknownNameOrMalformedJsonNamesTheFile) {
     const fs::path file = fs::temp_directory_path() / "dkvhost-malformed.json";
     std::ofstream(file) << "{\"devices\": [";
-    EXPECT_THROW(LoadProfile(file.string()), std::runtime_error);
+    const std::pair<std::string, std::string> cases[] = {{"no-such-profile", "no-such-profile.json"},
+                                                         {file.string(), file.string() + " is not valid JSON"}};
+    for (const auto& [name, message] : cases) {
+        try {
+            LoadProfile(name);
+            ADD_FAILURE() << name;
+        } catch (const std::runtime_error& error) {
+            EXPECT_NE(std::string(error.what()).find(message), std::string::npos) << error.what();
+        }
+    }
     fs::remove(file);
 }
 

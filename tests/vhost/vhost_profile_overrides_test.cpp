@@ -1,5 +1,5 @@
 // Profiles build edge cases declaratively: attribute texts per device and per
-// die, omitted attributes and arbitrary extra files.
+// die, omitted attributes, arbitrary extra files and PCIe links.
 #include <filesystem>
 #include <string>
 
@@ -21,29 +21,21 @@ json OneGpu(json device) {
     return {{"devices", json::array({device})}};
 }
 
-TEST(ProfileOverrides, DieOverrideBeatsDeviceOverrideOnItsDieOnly) {
+// A die's text beats the device's on that die only; null leaves the file out;
+// names the builder does not know are written too.
+TEST(ProfileOverrides, DeviceAndDieAttributes) {
     const ScopedHost host(OneGpu({
-        {"attributes", {{"showtemp", "hotspot: 70\n"}}},
-        {"dies", json::array({json::object(), {{"attributes", {{"showtemp", "hotspot: 90\n"}}}}})},
+        {"attributes", {{"showtemp", "hotspot: 70\n"}, {"pcipowerstate", nullptr}, {"showhbmtemp", "hbm0: 55\n"}}},
+        {"dies",
+         json::array({json::object(), {{"attributes", {{"showtemp", "hotspot: 90\n"}, {"fan_ctrl", nullptr}}}}})},
     }));
     EXPECT_EQ(host.ReadFile(c_dir + "/smi/showtemp"), "hotspot: 70\n");
     EXPECT_EQ(host.ReadFile(c_dir + "/smi1/showtemp"), "hotspot: 90\n");
-}
-
-TEST(ProfileOverrides, NullOmitsTheAttribute) {
-    const ScopedHost host(OneGpu({
-        {"attributes", {{"pcipowerstate", nullptr}}},
-        {"dies", json::array({json::object(), {{"attributes", {{"fan_ctrl", nullptr}}}}})},
-    }));
     EXPECT_FALSE(fs::exists(host.Path(c_dir + "/smi/pcipowerstate")));
     EXPECT_FALSE(fs::exists(host.Path(c_dir + "/smi1/pcipowerstate")));
     EXPECT_TRUE(fs::exists(host.Path(c_dir + "/smi/fan_ctrl")));
     EXPECT_FALSE(fs::exists(host.Path(c_dir + "/smi1/fan_ctrl")));
     EXPECT_TRUE(fs::exists(host.Path(c_dir + "/smi/showvendorid")));
-}
-
-TEST(ProfileOverrides, NewAttributeNamesAreWrittenToo) {
-    const ScopedHost host(OneGpu({{"attributes", {{"showhbmtemp", "hbm0: 55\n"}}}}));
     EXPECT_EQ(host.ReadFile(c_dir + "/smi/showhbmtemp"), "hbm0: 55\n");
 }
 
@@ -63,19 +55,20 @@ TEST(ProfileOverrides, LayoutNodeCanBeLeftOut) {
     EXPECT_TRUE(fs::exists(host.Path(c_dir + "/smi/pcipowerstate")));
 }
 
-TEST(ProfileOverrides, IdentityFollowsTheProductTable) {
-    json profile = OneGpu({{"vendor", "partner"}});
-    profile["devices"].push_back(
-        {{"bus_id", "0000:3b:00.4"}, {"function", "vf"}, {"model", "DKK6-A"}, {"parent", "0000:3b:00.0"}});
+TEST(ProfileOverrides, LinksReachTheLinkFilesOfFunctionsAndBridges) {
+    json profile = LoadProfile("empty");
+    profile["devices"][2]["pcie"] = {{"max_gen", 3}, {"max_width", 8}, {"width", 4}};
+    profile["bridge_links"] = {{"0000:00:01.0", {{"max_gen", 4}, {"gen", 2}}}};
     const ScopedHost host(profile);
-    EXPECT_EQ(host.ReadFile(c_dir + "/vendor"), "0x1e28\n");
-    EXPECT_EQ(host.ReadFile(c_dir + "/device"), "0x1601\n");
-    EXPECT_EQ(host.ReadFile("/sys/bus/pci/devices/0000:3b:00.4/device"), "0x1681\n");
-    EXPECT_EQ(host.ReadFile("/sys/bus/pci/devices/0000:3b:00.4/smi/showcardname"), "DKK6-A VF\n");
-    EXPECT_EQ(fs::canonical(host.Path("/sys/bus/pci/devices/0000:3b:00.4/driver")).filename(), "DKGVM");
-    // A virtual function sits beside its physical function.
-    EXPECT_EQ(fs::canonical(host.Path("/sys/bus/pci/devices/0000:3b:00.4")).parent_path(),
-              fs::canonical(host.Path(c_dir)).parent_path());
+    const std::string nic = "/sys/bus/pci/devices/0000:01:00.0/";
+    EXPECT_EQ(host.ReadFile(nic + "max_link_speed"), "8.0 GT/s PCIe\n");
+    EXPECT_EQ(host.ReadFile(nic + "max_link_width"), "8\n");
+    EXPECT_EQ(host.ReadFile(nic + "current_link_speed"), "8.0 GT/s PCIe\n");
+    EXPECT_EQ(host.ReadFile(nic + "current_link_width"), "4\n");
+    const std::string port = "/sys/bus/pci/devices/0000:00:01.0/";
+    EXPECT_EQ(host.ReadFile(port + "max_link_speed"), "16.0 GT/s PCIe\n");
+    EXPECT_EQ(host.ReadFile(port + "current_link_speed"), "5.0 GT/s PCIe\n");
+    EXPECT_EQ(host.ReadFile(port + "current_link_width"), "16\n");
 }
 
 }  // namespace

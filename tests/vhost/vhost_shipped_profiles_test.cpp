@@ -3,25 +3,17 @@
 // then sees on each profile is pinned by dksmi's golden transcripts
 // (tests/dksmi/golden/).
 #include <filesystem>
-#include <set>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "support/dk_shipped_profiles.h"
 #include "vhost/dk_virtual_host.h"
 
 namespace dksml::vhost {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::set<std::string> ShippedProfiles() {
-    std::set<std::string> names;
-    for (const fs::directory_entry& entry : fs::directory_iterator(ProfileDirectory())) {
-        if (entry.path().extension() == ".json") names.insert(entry.path().stem().string());
-    }
-    return names;
-}
 
 bool IsInside(const fs::path& path, const fs::path& root) {
     const std::string resolved = fs::canonical(path).string();
@@ -46,17 +38,7 @@ TEST_P(EveryProfile, WritesATreeWhoseLinksResolveInsideTheRoot) {
     EXPECT_GT(links, 0u);
 }
 
-TEST_P(EveryProfile, EveryPciFunctionHasItsIdentityFiles) {
-    const ScopedHost host(GetParam());
-    for (const fs::directory_entry& entry : fs::directory_iterator(host.Path("/sys/bus/pci/devices"))) {
-        const std::string vendor = host.ReadFile("/sys/bus/pci/devices/" + entry.path().filename().string() + "/vendor");
-        EXPECT_EQ(vendor.size(), 7u) << entry.path() << " vendor \"" << vendor << "\"";
-        EXPECT_EQ(vendor.rfind("0x", 0), 0u);
-        EXPECT_EQ(vendor.back(), '\n');
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Shipped, EveryProfile, testing::ValuesIn(ShippedProfiles()),
+INSTANTIATE_TEST_SUITE_P(Shipped, EveryProfile, testing::ValuesIn(test::ShippedProfiles()),
                          [](const testing::TestParamInfo<std::string>& param) {
                              std::string name = param.param;
                              for (char& c : name) c = std::isalnum(static_cast<unsigned char>(c)) ? c : '_';

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <span>
 
 #include "core/dk_unavailable_reason.h"
 #include "driver/dk_read_session.h"
@@ -72,9 +73,10 @@ std::optional<T> ReadValue(Read&& read) {
     return value;
 }
 
-std::vector<ClockReading> ToClockReadings(const DkSmlClocksFreqForAll& all) {
+// `shown`: only the first `shown` blocks of kClockMembers.
+std::vector<ClockReading> ToClockReadings(const DkSmlClocksFreqForAll& all, size_t shown = kClockMembers.size()) {
     std::vector<ClockReading> readings;
-    for (const ClockMember& entry : kClockMembers) {
+    for (const ClockMember& entry : std::span(kClockMembers).first(shown)) {
         const DkSmlClockFreq& freq = all.*entry.member;
         ClockReading reading{entry.ip, std::nullopt};
         if (freq.count > 0) {
@@ -104,6 +106,23 @@ ReadingRows ToVoltageRows(const std::vector<DkSmlVmInfo>& entries) {
         rows.emplace_back(entry.readings, entry.readings + count);
     }
     return rows;
+}
+
+// The table's clock columns: xcore, soc and mc, the first blocks of kClockMembers.
+constexpr size_t kSummaryClockBlocks = 3;
+
+// What the summary table shows of a die: die 0's clocks of the table's
+// columns. Its temperature record decides whether the device's hot spot is
+// asked for (HotspotReadable) and is the file that query reads first.
+DieReport CollectSummaryDie(uint32_t index) {
+    DieReport report;
+    DkSmlClocksFreqForAll clocks{};
+    if (dkSmlGetClocks(index, 0, &clocks) == DK_SML_SUCCESS)
+        report.clocks = ToClockReadings(clocks, kSummaryClockBlocks);
+    // Only whether the record reads matters here: no field of it is shown.
+    DkSmlTemperature record{};
+    if (ReadDieTemperatureRecord(index, 0, record) == DK_SML_SUCCESS) report.temperatures.emplace();
+    return report;
 }
 
 DieReport CollectDie(uint32_t index, uint32_t die) {
@@ -159,7 +178,7 @@ DeviceRole RoleOf(DkSmlDeviceVirtualizationMode mode) {
     }
 }
 
-std::optional<DeviceReport> CollectDevice(uint32_t index) {
+std::optional<DeviceReport> CollectDevice(uint32_t index, CollectScope scope) {
     DkSmlDeviceInfo info{};
     if (dkSmlGetDeviceInfo(index, &info) != DK_SML_SUCCESS) return std::nullopt;
 
@@ -185,15 +204,23 @@ std::optional<DeviceReport> CollectDevice(uint32_t index) {
     report.throttleMask = ReadValue<uint64_t>(
         [&](uint64_t* mask) { return dkSmlGetCurrentClocksThrottleReason(index, DK_SML_DIE_ALL, mask); });
 
-    CollectDevicePower(index, report.power);
-    for (uint32_t die = 0; die < report.dieCount.value_or(0); ++die) report.dies.push_back(CollectDie(index, die));
+    const bool summary = scope == CollectScope::SummaryTable;
+    if (summary) {
+        CollectDeviceSummaryPower(index, report.power);
+        if (report.dieCount.value_or(0) > 0) report.dies.push_back(CollectSummaryDie(index));
+    } else {
+        CollectDevicePower(index, report.power);
+        for (uint32_t die = 0; die < report.dieCount.value_or(0); ++die) report.dies.push_back(CollectDie(index, die));
+    }
     if (HotspotReadable(report.dies)) {
         int32_t hotspot = 0;
         if (dkSmlGetTemperatureInfo(index, DK_SML_TEMPERATURE_HOTSPOT, &hotspot) == DK_SML_SUCCESS)
             report.hotspotC = ValidTemperature(hotspot);
     }
+    if (summary) return report;
     CollectPcieAndLinks(index, report);
     CollectDeviceVersions(report);
+    CollectSlices(report);
     return report;
 }
 
@@ -250,7 +277,7 @@ void LinkVirtualFunctionsToParents(std::vector<DeviceReport>& devices) {
 
 }  // namespace
 
-Snapshot Collect(DkSmlReturn initStatus) {
+Snapshot Collect(DkSmlReturn initStatus, CollectScope scope) {
     // One snapshot: a driver record several queries parse (the performance
     // levels of every domain, the PMBus rails, the engine loads) is read once,
     // and a record a device lacks is asked for once.
@@ -258,18 +285,16 @@ Snapshot Collect(DkSmlReturn initStatus) {
     Snapshot snapshot;
     snapshot.initStatus = initStatus;
     for (uint32_t index : DeviceIndices()) {
-        if (std::optional<DeviceReport> device = CollectDevice(index)) {
-            CollectSlices(*device);
+        if (std::optional<DeviceReport> device = CollectDevice(index, scope))
             snapshot.devices.push_back(std::move(*device));
-        }
     }
     LinkVirtualFunctionsToParents(snapshot.devices);
-    CollectSystemVersions(snapshot);
+    CollectSystemVersions(snapshot, scope == CollectScope::SummaryTable);
     for (uint32_t index : LimitedDeviceIndices()) {
         if (std::optional<LimitedDeviceReport> limited = CollectLimitedDevice(index))
             snapshot.limitedDevices.push_back(std::move(*limited));
     }
-    CollectProcesses(snapshot);
+    CollectProcesses(snapshot, scope == CollectScope::Everything);
     return snapshot;
 }
 

@@ -31,6 +31,12 @@ std::optional<std::string> UnitVersion(const dksml::DkDieVersionTexts& texts, Dk
     return std::string(texts.unit[unit]);
 }
 
+std::optional<std::string> DriverVersionOf(uint32_t index) {
+    char text[DK_SML_VERSION_LENGTH] = {};
+    if (ReadDriverVersion(index, text, sizeof text) != DK_SML_SUCCESS) return std::nullopt;
+    return std::string(text);
+}
+
 }  // namespace
 
 std::optional<std::vector<PerfLevelReading>> CollectPerfLevels(uint32_t index, uint32_t die) {
@@ -65,12 +71,13 @@ void CollectDeviceVersions(DeviceReport& device) {
         device.firmware.push_back({unit.name, UnitVersion(texts, unit.unit)});
 }
 
-void CollectSystemVersions(Snapshot& snapshot) {
+void CollectSystemVersions(Snapshot& snapshot, bool askDevices) {
     char text[DK_SML_EX_SYSTEM_DKSML_VERSION_BUFFER_SIZE] = {};
     if (dkSmlExSystemGetDksmlVersion(text, sizeof text) == DK_SML_EX_SUCCESS) snapshot.libraryVersion = text;
     for (const DeviceReport& device : snapshot.devices) {
-        if (device.driverVersion) {
-            snapshot.driverVersion = device.driverVersion;
+        std::optional<std::string> driver = askDevices ? DriverVersionOf(device.index) : device.driverVersion;
+        if (driver) {
+            snapshot.driverVersion = std::move(driver);
             break;
         }
     }

@@ -15,7 +15,9 @@ std::optional<std::vector<PerfLevelReading>> CollectPerfLevels(uint32_t index, u
 // Driver, VBIOS, compute-stack and firmware-unit versions of a device.
 void CollectDeviceVersions(DeviceReport& device);
 
-// The library's version and the driver version of the first device.
-void CollectSystemVersions(Snapshot& snapshot);
+// The library's version and the driver version of the first device that has
+// one; `askDevices`: the devices' versions were not collected, so ask each
+// device for its driver version alone until one answers.
+void CollectSystemVersions(Snapshot& snapshot, bool askDevices);
 
 }  // namespace dksmi

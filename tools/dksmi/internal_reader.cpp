@@ -71,6 +71,13 @@ DkSmlReturn ReadDieVersionTexts(uint32_t deviceIndex, uint32_t die, dksml::DkDie
                           });
 }
 
+DkSmlReturn ReadDriverVersion(uint32_t deviceIndex, char* buffer, uint32_t size) {
+    return WithDieService(dksml::DkServiceManager::GetInstance().GetDkVersion(), deviceIndex, 0,
+                          [&](dksml::DkVersion& version, dksml::IDkDevice* device) {
+                              return version.GetDieUnitVersion(device, 0, DK_SML_VERSION_DRIVER, buffer, &size);
+                          });
+}
+
 DkSmlReturn ReadStackVersion(uint32_t deviceIndex, char* buffer, uint32_t size) {
     return WithDieService(dksml::DkServiceManager::GetInstance().GetDkVersion(), deviceIndex, 0,
                           [&](dksml::DkVersion& version, dksml::IDkDevice* device) {

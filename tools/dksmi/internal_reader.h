@@ -24,6 +24,8 @@ DkSmlReturn ReadDieVoltageMonitor(uint32_t deviceIndex, uint32_t die, std::vecto
 // exported version functions unit by unit reads the firmware record once per
 // unit, and again for the whole record.
 DkSmlReturn ReadDieVersionTexts(uint32_t deviceIndex, uint32_t die, dksml::DkDieVersionTexts& texts);
+// Die 0's driver version alone, as ReadDieVersionTexts gives it.
+DkSmlReturn ReadDriverVersion(uint32_t deviceIndex, char* buffer, uint32_t size);
 // Version of the compute stack the device's brand ships, into `size` characters.
 DkSmlReturn ReadStackVersion(uint32_t deviceIndex, char* buffer, uint32_t size);
 

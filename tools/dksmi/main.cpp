@@ -24,7 +24,8 @@ constexpr const char* kClearScreen = "\x1b[H\x1b[2J";
 
 // One read of the devices and one rendering; returns the exit code.
 int DrawOnce(DkSmlReturn initStatus, const Options& options, bool clearFirst) {
-    Snapshot snapshot = Collect(initStatus);
+    const bool summary = !options.json && !options.processes && !options.index;
+    Snapshot snapshot = Collect(initStatus, summary ? CollectScope::SummaryTable : CollectScope::Everything);
     const Outcome outcome = Judge(snapshot, options);
     if (options.index) KeepOnly(snapshot, *options.index);
 

@@ -67,6 +67,33 @@ std::optional<ApUsageTable> ReadApTable(uint32_t index, uint32_t die) {
     return table;
 }
 
+void ReadBoardPower(uint32_t index, DevicePowerReport& report) {
+    DkSmlBoardWayElectricInfo ways[kMaxBoardWays]{};
+    uint32_t count = kMaxBoardWays;
+    if (dkSmlGetBoardPowerInfo(index, &count, ways) == DK_SML_SUCCESS) {
+        std::vector<std::array<uint32_t, 3>> list;
+        double milliwatts = 0;
+        for (uint32_t w = 0; w < std::min(count, kMaxBoardWays); ++w) {
+            list.push_back({ways[w].values[0], ways[w].values[1], ways[w].values[2]});
+            milliwatts += ways[w].values[2];
+        }
+        report.boardWays = std::move(list);
+        report.boardPowerW = milliwatts / 1000.0;
+    }
+}
+
+EngineUsageReading ReadDeviceEngine(uint32_t index, const Engine& engine) {
+    int32_t usage = 0;
+    EngineUsageReading reading{engine.name, std::nullopt};
+    if (dkSmlGetDeviceIpUsage(index, engine.ip, &usage) == DK_SML_SUCCESS && usage >= 0) reading.percent = usage;
+    return reading;
+}
+
+void ReadDeviceMemory(uint32_t index, DevicePowerReport& report) {
+    DkSmlMemoryInfo memory{};
+    if (dkSmlGetMemoryInfo(index, &memory) == DK_SML_SUCCESS) report.memory = ToPools(memory);
+}
+
 }  // namespace
 
 void CollectDiePower(uint32_t index, uint32_t die, DiePowerReport& report) {
@@ -89,18 +116,7 @@ void CollectDiePower(uint32_t index, uint32_t die, DiePowerReport& report) {
 }
 
 void CollectDevicePower(uint32_t index, DevicePowerReport& report) {
-    DkSmlBoardWayElectricInfo ways[kMaxBoardWays]{};
-    uint32_t count = kMaxBoardWays;
-    if (dkSmlGetBoardPowerInfo(index, &count, ways) == DK_SML_SUCCESS) {
-        std::vector<std::array<uint32_t, 3>> list;
-        double milliwatts = 0;
-        for (uint32_t w = 0; w < std::min(count, kMaxBoardWays); ++w) {
-            list.push_back({ways[w].values[0], ways[w].values[1], ways[w].values[2]});
-            milliwatts += ways[w].values[2];
-        }
-        report.boardWays = std::move(list);
-        report.boardPowerW = milliwatts / 1000.0;
-    }
+    ReadBoardPower(index, report);
     uint32_t limit = 0;
     if (dkSmlGetBoardPowerLimit(index, &limit) == DK_SML_SUCCESS) report.powerLimitMw = limit;
     uint32_t mode = 0;
@@ -108,14 +124,14 @@ void CollectDevicePower(uint32_t index, DevicePowerReport& report) {
     DkSmlPciPowerState state{};
     if (dkSmlGetPciPowerState(index, &state) == DK_SML_SUCCESS && static_cast<uint32_t>(state) < kPciPowerStates.size())
         report.pciPowerState = kPciPowerStates[state];
-    for (const Engine& engine : kEngines) {
-        int32_t usage = 0;
-        EngineUsageReading reading{engine.name, std::nullopt};
-        if (dkSmlGetDeviceIpUsage(index, engine.ip, &usage) == DK_SML_SUCCESS && usage >= 0) reading.percent = usage;
-        report.engines.push_back(std::move(reading));
-    }
-    DkSmlMemoryInfo memory{};
-    if (dkSmlGetMemoryInfo(index, &memory) == DK_SML_SUCCESS) report.memory = ToPools(memory);
+    for (const Engine& engine : kEngines) report.engines.push_back(ReadDeviceEngine(index, engine));
+    ReadDeviceMemory(index, report);
+}
+
+void CollectDeviceSummaryPower(uint32_t index, DevicePowerReport& report) {
+    ReadBoardPower(index, report);
+    report.engines.push_back(ReadDeviceEngine(index, kEngines.front()));
+    ReadDeviceMemory(index, report);
 }
 
 }  // namespace dksmi

@@ -9,6 +9,8 @@
 namespace dksmi {
 
 void CollectDevicePower(uint32_t index, DevicePowerReport& report);
+// What the summary table shows: board power, the xcore load and the memory.
+void CollectDeviceSummaryPower(uint32_t index, DevicePowerReport& report);
 void CollectDiePower(uint32_t index, uint32_t die, DiePowerReport& report);
 
 // Through the library's power service (no export returns the mode).

@@ -59,7 +59,7 @@ void CollectSlices(DeviceReport& device) {
     }
 }
 
-void CollectProcesses(Snapshot& snapshot) {
+void CollectProcesses(Snapshot& snapshot, bool namespacePids) {
     uint32_t count = 0;
     if (dkSmlGetNumberOfProcess(&count) != DK_SML_SUCCESS) return;
     std::vector<DkSmlProcessInfo_v3> records(count);
@@ -69,7 +69,7 @@ void CollectProcesses(Snapshot& snapshot) {
         if (record.gpuCount == 0) continue;  // fewer processes than counted (one exited)
         ProcessReport process;
         process.pid = record.pid;
-        process.namespacePid = NamespacePid(record.pid);
+        if (namespacePids) process.namespacePid = NamespacePid(record.pid);
         process.name = Terminated(record.processName, sizeof(record.processName));
         for (uint32_t i = 0; i < record.gpuCount && i < DK_SML_PROCESS_MAX_GPUS; ++i) {
             const DkSmlProcessGpuInfo_v3& entry = record.gpuInfo[i];

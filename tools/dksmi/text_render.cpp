@@ -30,6 +30,10 @@ std::string JoinOrNa(const std::optional<std::vector<uint32_t>>& values) {
     return values ? fmt::format("{}", fmt::join(*values, " ")) : kNotAvailable;
 }
 
+bool IsAscii(const std::string& text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
 // Plain text table: columns padded to their widest cell, two blanks apart.
 std::string FormatTable(const std::vector<std::string>& headers, const std::vector<std::vector<std::string>>& rows) {
     std::vector<size_t> widths(headers.size());
@@ -39,10 +43,18 @@ std::string FormatTable(const std::vector<std::string>& headers, const std::vect
     }
     std::string out;
     auto line = [&](const std::vector<std::string>& cells) {
-        std::string text;
-        for (size_t c = 0; c < cells.size(); ++c)
-            text += c + 1 < cells.size() ? fmt::format("{:<{}}  ", cells[c], widths[c]) : cells[c];
-        out += text + "\n";
+        for (size_t c = 0; c < cells.size(); ++c) {
+            if (c + 1 == cells.size()) {
+                out += cells[c];
+            } else if (IsAscii(cells[c])) {
+                // ASCII is one column per byte: the padding fmt would write, without a format call per cell.
+                out += cells[c];
+                out.append(widths[c] - cells[c].size() + 2, ' ');
+            } else {
+                out += fmt::format("{:<{}}  ", cells[c], widths[c]);
+            }
+        }
+        out += '\n';
     };
     line(headers);
     for (const auto& row : rows) line(row);

@@ -1,10 +1,11 @@
-// ExtractNumber must give exactly what `std::istringstream >> T` gives
-// (libstdc++): success/failure and the value on success.
+// The number readers against the standard library on one table of inputs:
+// the stoi family must give what std::sto* gives, ExtractNumber exactly what
+// `std::istringstream >> T` gives (libstdc++), success/failure and the value.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstring>
-#include <limits>
-#include <random>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <typeinfo>
@@ -15,7 +16,9 @@
 namespace dksml {
 namespace {
 
-const char* const c_fixedInputs[] = {
+using test::ThrownCode;
+
+const char* const c_inputs[] = {
     "0", "-0", "+0", "1", "-1", "+5", "007", "  42", "\t\n 42", "42 MHz", "1200 MHz", "12abc", "abc",
     "", " ", "\t", "-", "+", "--1", "+-1", "- 1", ".", ".5", "5.", "5.5", "1e3", "1E3", "1e", "1e+", "1e-",
     "1e+3", "1e-3", "e5", "0e5", "1.5e3", "00.5", "000", "0x10", "0X1f", "010", "1,000", "nan", "inf",
@@ -26,8 +29,55 @@ const char* const c_fixedInputs[] = {
     "18446744073709551616", "-18446744073709551615", "-18446744073709551616",
     "99999999999999999999999999999", "3.4028235e38", "3.5e38", "-3.5e38", "1e308", "1e309", "-1e309",
     "1e-50", "1e-400", "0.0000001", "123456789012345678901234567890.5", "not support", "1\n2",
-    "\v\f\r7",
+    "\v\f\r7", "\t-42", "09", "0x", "0xg", "1e39", "z", "Z", "  -0x10",
 };
+
+template <typename Fn>
+auto StdOrNull(Fn&& fn) -> std::optional<decltype(fn())> {
+    try {
+        return fn();
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
+TEST(Conversions, MatchTheStandardOnes) {
+    for (const char* cstr : c_inputs) {
+        const std::string text = cstr;
+        for (int base : {0, 8, 10, 16, 36}) {
+            int i = 123;
+            const auto si = StdOrNull([&] { return std::stoi(text, nullptr, base); });
+            EXPECT_EQ(stoi_nt(text, i, base), si.has_value()) << text << " base " << base;
+            EXPECT_EQ(i, si.value_or(123)) << text << " base " << base;
+
+            unsigned long ul = 123;
+            const auto sul = StdOrNull([&] { return std::stoul(text, nullptr, base); });
+            EXPECT_EQ(stoul_nt(text, ul, base), sul.has_value()) << text << " base " << base;
+            EXPECT_EQ(ul, sul.value_or(123)) << text << " base " << base;
+
+            // Keeps the low 32 bits on purpose: "-1" gives 4294967295.
+            unsigned int ui = 123;
+            EXPECT_EQ(stoui_nt(text, ui, base), sul.has_value()) << text;
+            EXPECT_EQ(ui, sul ? static_cast<unsigned int>(*sul) : 123u) << text;
+        }
+        const auto sl = StdOrNull([&] { return std::stol(text); });
+        EXPECT_EQ(ThrownCode([&] { (void)dksml::stol(text); }), sl ? -1 : 4) << text;
+        if (sl) {
+            EXPECT_EQ(dksml::stol(text), *sl);
+        }
+
+        float f = 1.25f;
+        const auto sf = StdOrNull([&] { return std::stof(text); });
+        EXPECT_EQ(stof_nt(text, f), sf.has_value()) << text;
+        if (sf && !std::isnan(*sf)) {
+            EXPECT_EQ(f, *sf) << text;
+        }
+        if (!sf) {
+            EXPECT_EQ(f, 1.25f);
+        }
+        EXPECT_EQ(ThrownCode([&] { (void)dksml::stof(text); }), sf ? -1 : 4) << text;
+    }
+}
 
 template <typename T>
 std::string Show(T v) {
@@ -68,20 +118,8 @@ void ExpectAllTypesSame(const std::string& text) {
                           unsigned short, float, double>(text);
 }
 
-TEST(ExtractNumber, FixedInputsMatchTheStream) {
-    for (const char* text : c_fixedInputs) ExpectAllTypesSame(text);
-}
-
-TEST(ExtractNumber, RandomInputsMatchTheStream) {
-    const std::string alphabet = " \t\n-+0123456789.eExXab";
-    std::mt19937 rng(20261121);
-    for (int i = 0; i < 20000; ++i) {
-        std::string text;
-        const int len = static_cast<int>(rng() % 24);
-        for (int j = 0; j < len; ++j) text.push_back(alphabet[rng() % alphabet.size()]);
-        ExpectAllTypesSame(text);
-        if (HasFatalFailure() || HasFailure()) return;
-    }
+TEST(ExtractNumber, InputsMatchTheStream) {
+    for (const char* text : c_inputs) ExpectAllTypesSame(text);
 }
 
 TEST(ExtractNumber, MegabyteInputs) {
@@ -134,7 +172,7 @@ TEST(ArrayReaders, MatchAStreamLoop) {
 TEST(ArrayReaders, NoLineThrows4) {
     int values[2] = {};
     DkTextLines lines("");
-    EXPECT_EQ(test::ThrownCode([&] { GetArrayValue<int>(lines, values, 2, 0); }), DK_SML_ERROR_SYSFS);
+    EXPECT_EQ(ThrownCode([&] { GetArrayValue<int>(lines, values, 2, 0); }), DK_SML_ERROR_SYSFS);
 }
 
 }  // namespace
