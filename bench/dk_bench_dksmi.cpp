@@ -38,6 +38,7 @@
 
 #include "collect.h"
 #include "dk_bench_floor.h"
+#include "dk_bench_hosts.h"
 #include "dksml.h"
 #include "text_render.h"
 #include "vhost/dk_virtual_host.h"
@@ -47,25 +48,6 @@ namespace {
 constexpr int c_gpuCount = 8;
 constexpr const char* c_onceFlag = "--dksmi-once";
 constexpr const char* c_discoveryOnceFlag = "--discovery-once";
-
-std::string BusId(int gpu) {
-    char text[16];
-    std::snprintf(text, sizeof text, "0000:%02x:00.0", 0x10 + gpu * 8);
-    return text;
-}
-
-nlohmann::json EightGpuProfile() {
-    nlohmann::json devices = nlohmann::json::array();
-    for (int gpu = 0; gpu < c_gpuCount; ++gpu)
-        devices.push_back({{"bus_id", BusId(gpu)}, {"model", "DKK6-A"}, {"dies", 2}, {"numa_node", gpu / 4},
-                           {"bridges", nlohmann::json::array()}, {"gpu_id", 48000 + gpu},
-                           {"topology", {gpu, gpu / 4}}});
-    return {{"name", "bench8"},
-            {"description", "8 two-die GPUs"},
-            {"operating_mode", 0},
-            {"cpu_nodes", {{{"node", 0}, {"cpus", "0-31"}}, {{"node", 1}, {"cpus", "32-63"}}}},
-            {"devices", devices}};
-}
 
 // Time spent in each step of the runs so far, to split lib_ns.
 struct StepTimes {
@@ -218,7 +200,7 @@ private:
 };
 
 void BM_DksmiRun8Gpus(benchmark::State& state) {
-    dksml::vhost::ScopedHost host(EightGpuProfile());
+    dksml::vhost::ScopedHost host(dksml::bench::TwoDieGpuProfile(c_gpuCount));
     const std::string root = host.Root().string();
     const RecordedRun run = Record(root, root + ".strace", c_onceFlag);
     const RecordedRun discovery = Record(root, root + ".strace", c_discoveryOnceFlag);

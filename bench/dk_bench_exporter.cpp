@@ -12,6 +12,7 @@
 #include <prometheus/text_serializer.h>
 
 #include "dk_bench_floor.h"
+#include "dk_bench_hosts.h"
 #include "scrape_collector.h"
 #include "vhost/dk_virtual_host.h"
 
@@ -22,34 +23,15 @@ using dksml::bench::DkFloorFiles;
 
 constexpr int c_gpuCount = 16;
 
-std::string BusId(int gpu) {
-    char text[16];
-    std::snprintf(text, sizeof text, "0000:%02x:00.0", 0x10 + gpu * 8);
-    return text;
-}
-
-nlohmann::json SixteenGpuProfile() {
-    nlohmann::json devices = nlohmann::json::array();
-    for (int gpu = 0; gpu < c_gpuCount; ++gpu)
-        devices.push_back({{"bus_id", BusId(gpu)}, {"model", "DKK6-A"}, {"dies", 2}, {"numa_node", gpu / 8},
-                           {"bridges", nlohmann::json::array()}, {"gpu_id", 48000 + gpu},
-                           {"topology", {gpu, gpu / 8}}});
-    return {{"name", "bench16"},
-            {"description", "16 two-die GPUs"},
-            {"operating_mode", 0},
-            {"cpu_nodes", {{{"node", 0}, {"cpus", "0-31"}}, {{"node", 1}, {"cpus", "32-63"}}}},
-            {"devices", devices}};
-}
-
 void BM_ExporterScrape16Gpus(benchmark::State& state) {
-    dksml::vhost::ScopedHost host(SixteenGpuProfile());
+    dksml::vhost::ScopedHost host(dksml::bench::TwoDieGpuProfile(c_gpuCount));
     dkSmlInitWithFlags(1);
     // The attribute files one collection reads (strace of a scrape), each once
     // in every die directory that has it: the floor of a scrape.
     DkFloorFiles floor(host.Root().string());
     for (int gpu = 0; gpu < c_gpuCount; ++gpu)
         for (const char* die : {"smi", "smi1"}) {
-            const std::string dir = "sys/bus/pci/devices/" + BusId(gpu) + "/" + die;
+            const std::string dir = "sys/bus/pci/devices/" + dksml::bench::TwoDieGpuBusId(gpu) + "/" + die;
             for (const char* file :
                  {"showclocks", "pmdecsrc", "showtemp", "showtstemp", "showvmread", "fan_ctrl", "showperflevel",
                   "dpmcount", "showpmbusvol", "showpmbuscur", "showpmbuspower", "showfwinfo", "showuse",
