@@ -11,6 +11,7 @@
 #include "driver/dk_driver_interface_manager.h"
 #include "driver/dk_text.h"
 #include "dk_driver_test_util.h"
+#include "dk_handler_fixture.h"
 #include "support/dk_fake_device.h"
 
 namespace dksml {
@@ -21,21 +22,7 @@ using test::ScopedEnv;
 using test::FakeDevice;
 using test::TempDir;
 
-// A device directory with "/smi/" and "/smi1/" and a layout node directory.
-class HandlerTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        m_smi0 = m_dir.Mkdir("dev/smi") + "/";
-        m_smi1 = m_dir.Mkdir("dev/smi1") + "/";
-        m_node = m_dir.Mkdir("nodes/3");
-        FakeDevice device(m_smi0, m_smi1, m_node);
-        m_handler.UpdateDeviceProperties(&device);
-    }
-
-    TempDir m_dir;
-    std::string m_smi0, m_smi1, m_node;
-    DkLinuxDriverDataHandler m_handler;
-};
+using test::HandlerTest;
 
 // --- request table --------------------------------------------------------------
 

@@ -9,32 +9,20 @@
 #include "driver/dk_driver_data_handler.h"
 #include "driver/dk_read_session.h"
 #include "dk_driver_test_util.h"
+#include "dk_handler_fixture.h"
 #include "support/dk_fake_device.h"
 
 namespace dksml {
 namespace {
 
-using test::FakeDevice;
-using test::TempDir;
 
-class ReadSessionTest : public ::testing::Test {
+class ReadSessionTest : public test::HandlerTest {
 protected:
-    void SetUp() override {
-        m_smi0 = m_dir.Mkdir("dev/smi") + "/";
-        m_smi1 = m_dir.Mkdir("dev/smi1") + "/";
-        FakeDevice device(m_smi0, m_smi1, m_dir.Mkdir("nodes/0"));
-        m_handler.UpdateDeviceProperties(&device);
-    }
-
     std::string Fetch(unsigned int die, dravik_smi_opcode op, DkSmlReturn expected = DK_SML_SUCCESS) {
         std::string text = "untouched";
         EXPECT_EQ(m_handler.FetchData(die, op, text), expected);
         return text;
     }
-
-    TempDir m_dir;
-    std::string m_smi0, m_smi1;
-    DkLinuxDriverDataHandler m_handler;
 };
 
 TEST_F(ReadSessionTest, KeepsAnswersAndRefusalsPerDie) {

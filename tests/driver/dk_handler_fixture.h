@@ -1,0 +1,30 @@
+// A handler on real files: a device directory with "smi/" and "smi1/" and a
+// layout node directory in a temporary directory.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "driver/dk_driver_data_handler.h"
+#include "dk_driver_test_util.h"
+#include "support/dk_fake_device.h"
+
+namespace dksml::test {
+
+class HandlerTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        m_smi0 = m_dir.Mkdir("dev/smi") + "/";
+        m_smi1 = m_dir.Mkdir("dev/smi1") + "/";
+        m_node = m_dir.Mkdir("nodes/3");
+        FakeDevice device(m_smi0, m_smi1, m_node);
+        m_handler.UpdateDeviceProperties(&device);
+    }
+
+    TempDir m_dir;
+    std::string m_smi0, m_smi1, m_node;
+    DkLinuxDriverDataHandler m_handler;
+};
+
+}  // namespace dksml::test
