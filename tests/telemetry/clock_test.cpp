@@ -6,7 +6,6 @@
 
 #include "features/clock/dk_clock.h"
 #include "support/dk_fake_device.h"
-#include "telemetry/param_name.h"
 
 namespace dksml::test {
 namespace {
@@ -59,43 +58,21 @@ TEST_F(ClockTest, PartnerVendorOffsetSkipsDlaMcAndGpu) {
     device.Serve(0, DRAVIK_SMI_SHOWCLOCKS, c_allLabels);
     ASSERT_EQ(clock.GetClocksFreq(&device, &all), DK_SML_SUCCESS);
 
-    EXPECT_EQ(Values(all.csc), (std::vector<uint32_t>{108}));
-    EXPECT_EQ(Values(all.xcore), (std::vector<uint32_t>{308, 309}));
-    EXPECT_EQ(Values(all.mc0), (std::vector<uint32_t>{508}));
-    EXPECT_EQ(Values(all.mc1), (std::vector<uint32_t>{608}));
-    EXPECT_EQ(Values(all.vpue), (std::vector<uint32_t>{708}));
-    EXPECT_EQ(Values(all.vpud), (std::vector<uint32_t>{808, 809, 810, 811}));
-    EXPECT_EQ(Values(all.soc), (std::vector<uint32_t>{908}));
-    EXPECT_EQ(Values(all.dnoc), (std::vector<uint32_t>{1008}));
-    EXPECT_EQ(Values(all.ccx), (std::vector<uint32_t>{1208}));
-    EXPECT_EQ(Values(all.xpu), (std::vector<uint32_t>{1308}));
-    // Never adjusted.
-    EXPECT_EQ(Values(all.dla), (std::vector<uint32_t>{200}));
-    EXPECT_EQ(Values(all.mc), (std::vector<uint32_t>{400}));
-    EXPECT_EQ(Values(all.gpu), (std::vector<uint32_t>{1100}));
+    // dla, mc and gpu are never adjusted.
+    const std::pair<const DkSmlClockFreq*, std::vector<uint32_t>> expected[] = {
+        {&all.csc, {108}},  {&all.xcore, {308, 309}}, {&all.mc0, {508}}, {&all.mc1, {608}},
+        {&all.vpue, {708}}, {&all.vpud, {808, 809, 810, 811}}, {&all.soc, {908}}, {&all.dnoc, {1008}},
+        {&all.ccx, {1208}}, {&all.xpu, {1308}}, {&all.dla, {200}}, {&all.mc, {400}}, {&all.gpu, {1100}},
+    };
+    for (const auto& [member, values] : expected) EXPECT_EQ(Values(*member), values) << values[0];
 }
 
-struct BadClockText {
-    const char* name;
-    const char* text;
-    DkSmlReturn expected;
-    friend void PrintTo(const BadClockText& testCase, std::ostream* out) { *out << testCase.name; }
-};
-
-class ClockBadTextTest : public ClockTest, public ::testing::WithParamInterface<BadClockText> {};
-
-TEST_P(ClockBadTextTest, AnswersWithAStatus) {
-    device.Serve(0, DRAVIK_SMI_SHOWCLOCKS, GetParam().text);
-    EXPECT_EQ(clock.GetClocksFreq(&device, &all), GetParam().expected);
+TEST_F(ClockTest, BadTextAnswersWithAStatus) {
+    for (const char* text : {"", "gpu clock: not support\n", "csc clock 800\n", ": 800\n", "\x01\x02\xff\n"}) {
+        device.Serve(0, DRAVIK_SMI_SHOWCLOCKS, text);
+        EXPECT_EQ(clock.GetClocksFreq(&device, &all), DK_SML_ERROR_SYSFS) << text;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Texts, ClockBadTextTest,
-                         ::testing::Values(BadClockText{"Empty", "", DK_SML_ERROR_SYSFS},
-                                           BadClockText{"OnlyUnsupported", "gpu clock: not support\n", DK_SML_ERROR_SYSFS},
-                                           BadClockText{"NoColon", "csc clock 800\n", DK_SML_ERROR_SYSFS},
-                                           BadClockText{"EmptyLabel", ": 800\n", DK_SML_ERROR_SYSFS},
-                                           BadClockText{"Garbage", "\x01\x02\xff\n", DK_SML_ERROR_SYSFS}),
-                         ParamName());
 
 TEST_F(ClockTest, VirtualFunctionIsRefusedWithoutDriverAccess) {
     device.isVf = true;
@@ -142,41 +119,34 @@ TEST_F(ClockTest, RealClocksSelectTheReportFirstAndFillStates) {
 
 // One IP ---------------------------------------------------------------------
 
-struct IpCase {
-    const char* name;
-    const char* text;
-    DkSmlClockIp ip;
-    DkSmlReturn expected;
-    std::vector<uint32_t> values;
-    friend void PrintTo(const IpCase& testCase, std::ostream* out) { *out << testCase.name; }
-};
-
-class ClockIpTest : public ClockTest, public ::testing::WithParamInterface<IpCase> {};
-
-TEST_P(ClockIpTest, ReadsOneIp) {
-    device.Serve(0, DRAVIK_SMI_SHOWCLOCKS, GetParam().text);
-    uint32_t freqs[16] = {};
-    uint32_t count = 16;
-    ASSERT_EQ(clock.GetIpClocksFreq(&device, GetParam().ip, &count, freqs), GetParam().expected);
-    if (GetParam().expected != DK_SML_SUCCESS) return;
-    EXPECT_EQ(std::vector<uint32_t>(freqs, freqs + count), GetParam().values);
+TEST_F(ClockTest, ReadsOneIp) {
+    const struct {
+        const char* name;
+        const char* text;
+        DkSmlClockIp ip;
+        DkSmlReturn expected;
+        std::vector<uint32_t> values;
+    } cases[] = {
+        {"XpuFeedsVpud", "xpu clock: 1 2 3 4 5 6\n", DK_SML_CLOCK_IP_VPUD, DK_SML_SUCCESS, {2, 3, 4, 5}},
+        {"XpuFeedsCcx", "xpu clock: 1 2 3 4 5 6\n", DK_SML_CLOCK_IP_CCX, DK_SML_SUCCESS, {6}},
+        {"XpuReplacesOwnLines", "ccx clock: 99\nxpu clock: 1 2 3 4 5 6\n", DK_SML_CLOCK_IP_CCX, DK_SML_SUCCESS, {6}},
+        {"XpuWithFiveValues", "xpu clock: 1 2 3 4 5\ncsc clock: 8\n", DK_SML_CLOCK_IP_CSC, DK_SML_ERROR_FAILURE, {}},
+        {"LabelFoundAsSubstring", "die0 gpu clock: 1500\n", DK_SML_CLOCK_IP_GPU, DK_SML_SUCCESS, {1500}},
+        {"McIsNotMc0", "mc0 clock: 1\n", DK_SML_CLOCK_IP_MC, DK_SML_ERROR_NOT_SUPPORTED, {}},
+        {"MoreThanNineValues", "dla clock: 1 2 3 4 5 6 7 8 9 10 11\n", DK_SML_CLOCK_IP_DLA, DK_SML_SUCCESS,
+         {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}},
+        {"Absent", "csc clock: 800\n", DK_SML_CLOCK_IP_SOC, DK_SML_ERROR_NOT_SUPPORTED, {}},
+    };
+    for (const auto& c : cases) {
+        device.Serve(0, DRAVIK_SMI_SHOWCLOCKS, c.text);
+        uint32_t freqs[16] = {};
+        uint32_t count = 16;
+        ASSERT_EQ(clock.GetIpClocksFreq(&device, c.ip, &count, freqs), c.expected) << c.name;
+        if (c.expected == DK_SML_SUCCESS) {
+            EXPECT_EQ(std::vector<uint32_t>(freqs, freqs + count), c.values) << c.name;
+        }
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Texts, ClockIpTest,
-    ::testing::Values(
-        IpCase{"XpuFeedsVpud", "xpu clock: 1 2 3 4 5 6\n", DK_SML_CLOCK_IP_VPUD, DK_SML_SUCCESS, {2, 3, 4, 5}},
-        IpCase{"XpuFeedsCcx", "xpu clock: 1 2 3 4 5 6\n", DK_SML_CLOCK_IP_CCX, DK_SML_SUCCESS, {6}},
-        IpCase{"XpuReplacesOwnLines", "ccx clock: 99\nxpu clock: 1 2 3 4 5 6\n", DK_SML_CLOCK_IP_CCX,
-               DK_SML_SUCCESS, {6}},
-        IpCase{"XpuWithFiveValues", "xpu clock: 1 2 3 4 5\ncsc clock: 8\n", DK_SML_CLOCK_IP_CSC,
-               DK_SML_ERROR_FAILURE, {}},
-        IpCase{"LabelFoundAsSubstring", "die0 gpu clock: 1500\n", DK_SML_CLOCK_IP_GPU, DK_SML_SUCCESS, {1500}},
-        IpCase{"McIsNotMc0", "mc0 clock: 1\n", DK_SML_CLOCK_IP_MC, DK_SML_ERROR_NOT_SUPPORTED, {}},
-        IpCase{"MoreThanNineValues", "dla clock: 1 2 3 4 5 6 7 8 9 10 11\n", DK_SML_CLOCK_IP_DLA, DK_SML_SUCCESS,
-               {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}},
-        IpCase{"Absent", "csc clock: 800\n", DK_SML_CLOCK_IP_SOC, DK_SML_ERROR_NOT_SUPPORTED, {}}),
-    ParamName());
 
 // The text is walked with a fixed number of values per line; a longer line
 // must still report (and copy) every value it holds. A short capacity gets
@@ -232,33 +202,27 @@ TEST_F(ClockTest, DeviceMaskIsTheOrOfItsDies) {
     EXPECT_EQ(mask, 1u);
 }
 
-struct MaskCase {
-    const char* name;
-    const char* text;
-    DkSmlReturn expected;
-    uint64_t mask;
-    friend void PrintTo(const MaskCase& testCase, std::ostream* out) { *out << testCase.name; }
-};
-
-class ThrottleTextTest : public ClockTest, public ::testing::WithParamInterface<MaskCase> {};
-
-TEST_P(ThrottleTextTest, ParsesTheFirstLine) {
-    device.Serve(0, DRAVIK_SMI_PMDECSRC, GetParam().text);
-    uint64_t mask = 0;
-    ASSERT_EQ(clock.GetDieCurrentClocksThrottleReason(&device, 0, &mask), GetParam().expected);
-    if (GetParam().expected == DK_SML_SUCCESS) {
-        EXPECT_EQ(mask, GetParam().mask);
+TEST_F(ClockTest, ThrottleTextParsesTheFirstLine) {
+    const struct {
+        const char* text;
+        DkSmlReturn expected;
+        uint64_t mask;
+    } cases[] = {
+        {"pmdecsrc: 18\n", DK_SML_SUCCESS, 18},
+        {"pmdecsrc: 18446744073709551615\n", DK_SML_SUCCESS, UINT64_MAX},
+        {"pmdecsrc: 2\nother: 8\n", DK_SML_SUCCESS, 2},  // only the first line counts
+        {"", DK_SML_ERROR_SYSFS, 0},
+        {"pmdecsrc: not support\n", DK_SML_ERROR_SYSFS, 0},
+    };
+    for (const auto& c : cases) {
+        device.Serve(0, DRAVIK_SMI_PMDECSRC, c.text);
+        uint64_t mask = 0;
+        ASSERT_EQ(clock.GetDieCurrentClocksThrottleReason(&device, 0, &mask), c.expected) << c.text;
+        if (c.expected == DK_SML_SUCCESS) {
+            EXPECT_EQ(mask, c.mask) << c.text;
+        }
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Texts, ThrottleTextTest,
-    ::testing::Values(MaskCase{"Labelled", "pmdecsrc: 18\n", DK_SML_SUCCESS, 18},
-                      MaskCase{"Full64Bits", "pmdecsrc: 18446744073709551615\n", DK_SML_SUCCESS, UINT64_MAX},
-                      MaskCase{"OnlyFirstLineCounts", "pmdecsrc: 2\nother: 8\n", DK_SML_SUCCESS, 2},
-                      MaskCase{"Empty", "", DK_SML_ERROR_SYSFS, 0},
-                      MaskCase{"NoNumber", "pmdecsrc: not support\n", DK_SML_ERROR_SYSFS, 0}),
-    ParamName());
 
 }  // namespace
 }  // namespace dksml::test

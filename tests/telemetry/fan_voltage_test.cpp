@@ -7,44 +7,35 @@
 #include "features/fan/dk_fan.h"
 #include "features/voltage/dk_voltage.h"
 #include "support/dk_fake_device.h"
-#include "telemetry/param_name.h"
 
 namespace dksml::test {
 namespace {
 
-struct FanCase {
-    const char* name;
-    const char* text;
-    DkSmlReturn expected;
-    uint32_t rpm, pwm;
-    friend void PrintTo(const FanCase& testCase, std::ostream* out) { *out << testCase.name; }
-};
-
-class FanTextTest : public ::testing::TestWithParam<FanCase> {
-protected:
+TEST(FanTest, NeedsExactlyOneSpeedAndOneDuty) {
+    const struct {
+        const char* text;
+        DkSmlReturn expected;
+        uint32_t rpm, pwm;
+    } cases[] = {
+        {"fan_rpm: 2400\nfan_pwm: 128\n", DK_SML_SUCCESS, 2400, 128},
+        {"fan_rpm_0: 1\nboard fan_pwm: 2\nfan_mode: 3\n", DK_SML_SUCCESS, 1, 2},  // keys by substring
+        {"fan_rpm: 2400\n", DK_SML_ERROR_NOT_SUPPORTED, 0, 0},
+        {"fan_rpm: 2400\nfan_pwm: 128\nfan_pwm: 129\n", DK_SML_ERROR_NOT_SUPPORTED, 0, 0},
+        {"", DK_SML_ERROR_NOT_SUPPORTED, 0, 0},
+        {"fan_rpm 2400\n", DK_SML_ERROR_SYSFS, 0, 0},
+    };
     FakeDevice device;
     DkFan fan;
-};
-
-TEST_P(FanTextTest, NeedsExactlyOneSpeedAndOneDuty) {
-    device.Serve(0, DRAVIK_SMI_FAN_CTRL, GetParam().text);
-    uint32_t rpm = 0, pwm = 0;
-    ASSERT_EQ(fan.GetFanSpeedInfo(&device, &rpm, &pwm), GetParam().expected);
-    if (GetParam().expected != DK_SML_SUCCESS) return;
-    EXPECT_EQ(rpm, GetParam().rpm);
-    EXPECT_EQ(pwm, GetParam().pwm);
+    for (const auto& c : cases) {
+        device.Serve(0, DRAVIK_SMI_FAN_CTRL, c.text);
+        uint32_t rpm = 0, pwm = 0;
+        ASSERT_EQ(fan.GetFanSpeedInfo(&device, &rpm, &pwm), c.expected) << c.text;
+        if (c.expected == DK_SML_SUCCESS) {
+            EXPECT_EQ(rpm, c.rpm) << c.text;
+            EXPECT_EQ(pwm, c.pwm) << c.text;
+        }
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Texts, FanTextTest,
-    ::testing::Values(FanCase{"Both", "fan_rpm: 2400\nfan_pwm: 128\n", DK_SML_SUCCESS, 2400, 128},
-                      FanCase{"KeysBySubstring", "fan_rpm_0: 1\nboard fan_pwm: 2\nfan_mode: 3\n", DK_SML_SUCCESS, 1, 2},
-                      FanCase{"SpeedOnly", "fan_rpm: 2400\n", DK_SML_ERROR_NOT_SUPPORTED, 0, 0},
-                      FanCase{"DutyTwice", "fan_rpm: 2400\nfan_pwm: 128\nfan_pwm: 129\n", DK_SML_ERROR_NOT_SUPPORTED,
-                              0, 0},
-                      FanCase{"Empty", "", DK_SML_ERROR_NOT_SUPPORTED, 0, 0},
-                      FanCase{"Malformed", "fan_rpm 2400\n", DK_SML_ERROR_SYSFS, 0, 0}),
-    ParamName());
 
 TEST(FanTest, AlwaysReadsAndWritesDieZero) {
     FakeDevice device;
@@ -101,12 +92,17 @@ TEST_F(VoltageTest, RowsAndCounts) {
     EXPECT_EQ(entries[3].count, 0);
 }
 
-// A small capacity gets the line count and nothing filled; a larger one is
-// trimmed to the line count.
+// Without the attribute or a count pointer the read is refused. A small
+// capacity gets the line count and nothing filled; a larger one is trimmed to
+// the line count.
 TEST_F(VoltageTest, CountProtocol) {
+    uint32_t count = 4;
+    EXPECT_EQ(monitor.GetVmInfo(&device, &count, entries), DK_SML_ERROR_NOT_SUPPORTED);  // no attribute
+    EXPECT_EQ(monitor.GetVmInfo(&device, nullptr, entries), DK_SML_ERROR_INVALID_INPUT);
+    EXPECT_EQ(monitor.GetVmInfo(&device, &count, nullptr), DK_SML_ERROR_INVALID_INPUT);
     device.Serve(0, DRAVIK_SMI_SHOWVMREAD, "vm0: 1\nvm1: 2\nvm2: 3\n");
     entries[0].count = 77;
-    uint32_t count = 2;
+    count = 2;
     EXPECT_EQ(monitor.GetVmInfo(&device, &count, entries), DK_SML_ERROR_INSUFFICIENT_SIZE);
     EXPECT_EQ(count, 3u);
     EXPECT_EQ(entries[0].count, 77);
@@ -116,13 +112,6 @@ TEST_F(VoltageTest, CountProtocol) {
     count = 4;
     ASSERT_EQ(monitor.GetVmInfo(&device, &count, entries), DK_SML_SUCCESS);
     EXPECT_EQ(count, 3u);
-}
-
-TEST_F(VoltageTest, ErrorsAndNullArguments) {
-    uint32_t count = 4;
-    EXPECT_EQ(monitor.GetVmInfo(&device, &count, entries), DK_SML_ERROR_NOT_SUPPORTED);  // no attribute
-    EXPECT_EQ(monitor.GetVmInfo(&device, nullptr, entries), DK_SML_ERROR_INVALID_INPUT);
-    EXPECT_EQ(monitor.GetVmInfo(&device, &count, nullptr), DK_SML_ERROR_INVALID_INPUT);
 }
 
 }  // namespace

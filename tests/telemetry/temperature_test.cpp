@@ -5,7 +5,6 @@
 
 #include "features/temperature/dk_temperature.h"
 #include "support/dk_fake_device.h"
-#include "telemetry/param_name.h"
 
 namespace dksml::test {
 namespace {
@@ -28,41 +27,32 @@ protected:
 
 // Whole structure of one die -------------------------------------------------
 
-struct KeyCase {
-    const char* name;
-    const char* text;
-    int32_t DkSmlTemperature::*field;
-    int32_t expected;
-    friend void PrintTo(const KeyCase& testCase, std::ostream* out) { *out << testCase.name; }
-};
-
-class TemperatureKeyTest : public TemperatureTest, public ::testing::WithParamInterface<KeyCase> {};
-
-TEST_P(TemperatureKeyTest, KeyLandsInItsField) {
-    DkSmlTemperature t = ReadDie(GetParam().text);
-    EXPECT_EQ(t.*GetParam().field, GetParam().expected);
+TEST_F(TemperatureTest, KeyLandsInItsField) {
+    const struct {
+        const char* text;
+        int32_t DkSmlTemperature::*field;
+        int32_t expected;
+    } cases[] = {
+        {"xcore_temp: 61\n", &DkSmlTemperature::core, 61},
+        {"core_hotspot: 70\n", &DkSmlTemperature::hotspot, 70},  // the hotspot key beats core
+        {"core_hotspot: 70\n", &DkSmlTemperature::core, c_invalid},
+        {"tmp435_u1_local: 33\n", &DkSmlTemperature::emcLocal, 33},
+        {"emclocal: 31\ntmp435_u1_local: 33\n", &DkSmlTemperature::emcLocal, 33},  // the later line wins
+        {"tmp435_u2_local: 34\n", &DkSmlTemperature::sgm, 34},
+        {"sgm: 40\n", &DkSmlTemperature::sgm, 40},
+        {"mc0: 50\nmc1: 52\n", &DkSmlTemperature::memCtrlMax, 52},
+        {"mc0: 50\n", &DkSmlTemperature::memCtrlMax, c_invalid},  // needs both
+        {"sensor[3]: 60\nsensor[12]: 71\nsensor[5]: 65\n", &DkSmlTemperature::hottestSensorIndex, 12},
+        {"sensor[3]: 70\nsensor[5]: 70\n", &DkSmlTemperature::hottestSensorIndex, 3},  // a tie keeps the first
+        {"sensor[4]: 90\n", &DkSmlTemperature::soc, c_invalid},
+        {"sensor[]: 90\nsensor[2]: 50\n", &DkSmlTemperature::hottestSensorIndex, 2},
+        {"soc: 99999999999\n", &DkSmlTemperature::soc, INT32_MAX},  // clamped
+    };
+    for (const auto& c : cases) {
+        DkSmlTemperature t = ReadDie(c.text);
+        EXPECT_EQ(t.*c.field, c.expected) << c.text;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Keys, TemperatureKeyTest,
-    ::testing::Values(
-        KeyCase{"XcoreFillsCore", "xcore_temp: 61\n", &DkSmlTemperature::core, 61},
-        KeyCase{"HotspotBeatsCore", "core_hotspot: 70\n", &DkSmlTemperature::hotspot, 70},
-        KeyCase{"HotspotKeyLeavesCore", "core_hotspot: 70\n", &DkSmlTemperature::core, c_invalid},
-        KeyCase{"Tmp435U1LocalFillsEmcLocal", "tmp435_u1_local: 33\n", &DkSmlTemperature::emcLocal, 33},
-        KeyCase{"LaterEmcLocalLineWins", "emclocal: 31\ntmp435_u1_local: 33\n", &DkSmlTemperature::emcLocal, 33},
-        KeyCase{"Tmp435U2LocalFillsSgm", "tmp435_u2_local: 34\n", &DkSmlTemperature::sgm, 34},
-        KeyCase{"SgmMatchesShortName", "sgm: 40\n", &DkSmlTemperature::sgm, 40},
-        KeyCase{"MemCtrlMaxFromBoth", "mc0: 50\nmc1: 52\n", &DkSmlTemperature::memCtrlMax, 52},
-        KeyCase{"MemCtrlMaxNeedsBoth", "mc0: 50\n", &DkSmlTemperature::memCtrlMax, c_invalid},
-        KeyCase{"HottestSensor", "sensor[3]: 60\nsensor[12]: 71\nsensor[5]: 65\n",
-                &DkSmlTemperature::hottestSensorIndex, 12},
-        KeyCase{"SensorTieKeepsFirst", "sensor[3]: 70\nsensor[5]: 70\n", &DkSmlTemperature::hottestSensorIndex, 3},
-        KeyCase{"SensorIsNotASocKey", "sensor[4]: 90\n", &DkSmlTemperature::soc, c_invalid},
-        KeyCase{"SensorWithoutIndexIgnored", "sensor[]: 90\nsensor[2]: 50\n",
-                &DkSmlTemperature::hottestSensorIndex, 2},
-        KeyCase{"HugeValueClamped", "soc: 99999999999\n", &DkSmlTemperature::soc, INT32_MAX}),
-    ParamName());
 
 TEST_F(TemperatureTest, DieReadPassesErrorsUp) {
     DkSmlTemperature t;
@@ -102,40 +92,32 @@ TEST_F(TemperatureTest, TwoDieMergeIgnoresInvalidAndTakesTheLarger) {
 
 // Single values --------------------------------------------------------------
 
-struct SingleCase {
-    const char* name;
-    const char* text;
-    DkSmlTemperatureSensors sensor;
-    DkSmlReturn expected;
-    int32_t value;
-    friend void PrintTo(const SingleCase& testCase, std::ostream* out) { *out << testCase.name; }
-};
-
-class TemperatureSingleTest : public TemperatureTest, public ::testing::WithParamInterface<SingleCase> {};
-
-TEST_P(TemperatureSingleTest, ReadsOneValue) {
-    device.Serve(0, DRAVIK_SMI_SHOWTEMP, GetParam().text);
-    int32_t value = -999;
-    ASSERT_EQ(temperature.GetDieTemperature(&device, 0, GetParam().sensor, &value), GetParam().expected);
-    if (GetParam().expected == DK_SML_SUCCESS) {
-        EXPECT_EQ(value, GetParam().value);
+TEST_F(TemperatureTest, SelectorReadsOneValue) {
+    const struct {
+        const char* text;
+        DkSmlTemperatureSensors sensor;
+        DkSmlReturn expected;
+        int32_t value;
+    } cases[] = {
+        {"xcore: 61\ncore: 60\n", DK_SML_TEMPERATURE_CORE, DK_SML_SUCCESS, 61},  // the first key in the file wins
+        {"sgm: 40\n", DK_SML_TEMPERATURE_SGM, DK_SML_ERROR_NOT_SUPPORTED, 0},     // needs the chip name
+        {"sgm452_temp: 41\n", DK_SML_TEMPERATURE_SGM, DK_SML_SUCCESS, 41},
+        {"tmp435_u2_local: 42\n", DK_SML_TEMPERATURE_SGM, DK_SML_SUCCESS, 42},
+        // the order of the names beats the order of the file
+        {"tmp435_u1_local: 30\nemclocal: 31\n", DK_SML_TEMPERATURE_EMC_LOCAL, DK_SML_SUCCESS, 31},
+        {"soc: 50\n", DK_SML_TEMPERATURE_HOTLIMIT, DK_SML_ERROR_NOT_SUPPORTED, 0},
+        {"soc: 50\n", static_cast<DkSmlTemperatureSensors>(5), DK_SML_ERROR_INVALID_INPUT, 0},
+        {"soc 50\n", DK_SML_TEMPERATURE_SOC, DK_SML_ERROR_SYSFS, 0},
+    };
+    for (const auto& c : cases) {
+        device.Serve(0, DRAVIK_SMI_SHOWTEMP, c.text);
+        int32_t value = -999;
+        ASSERT_EQ(temperature.GetDieTemperature(&device, 0, c.sensor, &value), c.expected) << c.text;
+        if (c.expected == DK_SML_SUCCESS) {
+            EXPECT_EQ(value, c.value) << c.text;
+        }
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Selectors, TemperatureSingleTest,
-    ::testing::Values(
-        SingleCase{"FirstKeyInFileWins", "xcore: 61\ncore: 60\n", DK_SML_TEMPERATURE_CORE, DK_SML_SUCCESS, 61},
-        SingleCase{"SgmNeedsChipName", "sgm: 40\n", DK_SML_TEMPERATURE_SGM, DK_SML_ERROR_NOT_SUPPORTED, 0},
-        SingleCase{"SgmChipName", "sgm452_temp: 41\n", DK_SML_TEMPERATURE_SGM, DK_SML_SUCCESS, 41},
-        SingleCase{"SgmFallsBackToTmp435", "tmp435_u2_local: 42\n", DK_SML_TEMPERATURE_SGM, DK_SML_SUCCESS, 42},
-        SingleCase{"NameOrderBeatsFileOrder", "tmp435_u1_local: 30\nemclocal: 31\n", DK_SML_TEMPERATURE_EMC_LOCAL,
-                   DK_SML_SUCCESS, 31},
-        SingleCase{"Absent", "soc: 50\n", DK_SML_TEMPERATURE_HOTLIMIT, DK_SML_ERROR_NOT_SUPPORTED, 0},
-        SingleCase{"SelectorOutsideMap", "soc: 50\n", static_cast<DkSmlTemperatureSensors>(5),
-                   DK_SML_ERROR_INVALID_INPUT, 0},
-        SingleCase{"MalformedText", "soc 50\n", DK_SML_TEMPERATURE_SOC, DK_SML_ERROR_SYSFS, 0}),
-    ParamName());
 
 TEST_F(TemperatureTest, DeviceHotspotIsThePlainLargerValue) {
     device.dieCount = 2;
