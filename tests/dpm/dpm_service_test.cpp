@@ -50,35 +50,28 @@ TEST_F(DpmServiceTest, Dkk3CapsTheReadLevelAtNine) {
     EXPECT_EQ(dpm.SetDpmMaxPerfLevel(&device, DK_SML_DPM_IP_XCORE, 10), DK_SML_ERROR_INVALID_INPUT);
 }
 
-struct BadCountCase {
-    const char* name;
-    const char* text;
-    DkSmlDpmIp ip;
-    DkSmlReturn expected;
-};
-
-class DpmBadCountTest : public DpmServiceTest, public ::testing::WithParamInterface<BadCountCase> {};
-
-TEST_P(DpmBadCountTest, AnswersTheDefinedCode) {
-    device.Serve(0, DRAVIK_SMI_DPMCOUNT, GetParam().text);
-    uint32_t level = 77;
-    EXPECT_EQ(dpm.GetDpmIpMaxPerfLevel(&device, GetParam().ip, &level), GetParam().expected);
-    EXPECT_EQ(level, 77u);
+TEST_F(DpmServiceTest, BadCountTextAnswersTheDefinedCode) {
+    const struct {
+        const char* text;
+        DkSmlDpmIp ip;
+        DkSmlReturn expected;
+    } cases[] = {
+        {"xcore 10\n", DK_SML_DPM_IP_XCORE, DK_SML_ERROR_SYSFS},
+        {"dla: 8\n", DK_SML_DPM_IP_XCORE, DK_SML_ERROR_INVALID_INPUT},  // the domain is absent
+        {"xcore: ten\n", DK_SML_DPM_IP_XCORE, DK_SML_ERROR_SYSFS},
+        {"xcore: not support\n", DK_SML_DPM_IP_XCORE, DK_SML_ERROR_NOT_SUPPORTED},
+        {"xcore: 0\n", DK_SML_DPM_IP_XCORE, DK_SML_ERROR_SYSFS},
+        {"", DK_SML_DPM_IP_XCORE, DK_SML_ERROR_INVALID_INPUT},
+        {"xcore: 99999999999\n", DK_SML_DPM_IP_XCORE, DK_SML_ERROR_SYSFS},
+        {"xcore: 3\n", static_cast<DkSmlDpmIp>(15), DK_SML_ERROR_INVALID_INPUT},
+    };
+    for (const auto& c : cases) {
+        device.Serve(0, DRAVIK_SMI_DPMCOUNT, c.text);
+        uint32_t level = 77;
+        EXPECT_EQ(dpm.GetDpmIpMaxPerfLevel(&device, c.ip, &level), c.expected) << c.text;
+        EXPECT_EQ(level, 77u) << c.text;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Texts, DpmBadCountTest,
-    ::testing::Values(BadCountCase{"NoColon", "xcore 10\n", DK_SML_DPM_IP_XCORE, DK_SML_ERROR_SYSFS},
-                      BadCountCase{"DomainAbsent", "dla: 8\n", DK_SML_DPM_IP_XCORE, DK_SML_ERROR_INVALID_INPUT},
-                      BadCountCase{"Garbage", "xcore: ten\n", DK_SML_DPM_IP_XCORE, DK_SML_ERROR_SYSFS},
-                      BadCountCase{"NotSupport", "xcore: not support\n", DK_SML_DPM_IP_XCORE,
-                                   DK_SML_ERROR_NOT_SUPPORTED},
-                      BadCountCase{"ZeroLevels", "xcore: 0\n", DK_SML_DPM_IP_XCORE, DK_SML_ERROR_SYSFS},
-                      BadCountCase{"Empty", "", DK_SML_DPM_IP_XCORE, DK_SML_ERROR_INVALID_INPUT},
-                      BadCountCase{"Overflow", "xcore: 99999999999\n", DK_SML_DPM_IP_XCORE, DK_SML_ERROR_SYSFS},
-                      BadCountCase{"UnknownDomain", "xcore: 3\n", static_cast<DkSmlDpmIp>(15),
-                                   DK_SML_ERROR_INVALID_INPUT}),
-    [](const auto& p) { return std::string(p.param.name); });
 
 TEST_F(DpmServiceTest, MaxLevelWriteRaisesTheLevelByOne) {
     device.dkk6 = true;
@@ -89,38 +82,32 @@ TEST_F(DpmServiceTest, MaxLevelWriteRaisesTheLevelByOne) {
     EXPECT_EQ(device.writes[0].text, "xcore 10");
 }
 
-struct TableCase {
-    const char* name;
-    bool dkk6, dkk6u, dkq9;
-    DkSmlDpmIp ip;
-    uint32_t level;
-    DkSmlReturn expected;
-};
-
-class DpmTableTest : public DpmServiceTest, public ::testing::WithParamInterface<TableCase> {};
-
-TEST_P(DpmTableTest, ModelTableDecides) {
-    device.dkk6 = GetParam().dkk6;
-    device.dkk6u = GetParam().dkk6u;
-    device.dkq9 = GetParam().dkq9;
-    EXPECT_EQ(dpm.SetDpmMaxPerfLevel(&device, GetParam().ip, GetParam().level), GetParam().expected);
-    EXPECT_EQ(device.writes.size(), GetParam().expected == DK_SML_SUCCESS ? 1u : 0u);
+TEST(DpmModelTest, ModelTableDecides) {
+    const struct {
+        const char* name;
+        bool dkk6, dkk6u, dkq9;
+        DkSmlDpmIp ip;
+        uint32_t level;
+        DkSmlReturn expected;
+    } cases[] = {
+        {"Dkk6XcoreTop", true, false, false, DK_SML_DPM_IP_XCORE, 9, DK_SML_SUCCESS},
+        {"Dkk6XcorePastTop", true, false, false, DK_SML_DPM_IP_XCORE, 10, DK_SML_ERROR_INVALID_INPUT},
+        {"Dkq9UsesDkk6Table", false, false, true, DK_SML_DPM_IP_CCX, 3, DK_SML_SUCCESS},
+        {"Dkk6uHasNoDla", false, true, false, DK_SML_DPM_IP_DLA, 0, DK_SML_ERROR_INVALID_INPUT},
+        {"Dkk6uHbm", false, true, false, DK_SML_DPM_IP_HBM, 2, DK_SML_SUCCESS},
+        {"Dkk1XcoreEight", false, false, false, DK_SML_DPM_IP_XCORE, 8, DK_SML_ERROR_INVALID_INPUT},
+        {"Dkk1NoCcx", false, false, false, DK_SML_DPM_IP_CCX, 0, DK_SML_ERROR_INVALID_INPUT},
+        {"OutOfEnum", false, false, false, static_cast<DkSmlDpmIp>(99), 0, DK_SML_ERROR_INVALID_INPUT},
+    };
+    for (const auto& c : cases) {
+        ModelDevice device;
+        device.dkk6 = c.dkk6;
+        device.dkk6u = c.dkk6u;
+        device.dkq9 = c.dkq9;
+        EXPECT_EQ(DkDpm().SetDpmMaxPerfLevel(&device, c.ip, c.level), c.expected) << c.name;
+        EXPECT_EQ(device.writes.size(), c.expected == DK_SML_SUCCESS ? 1u : 0u) << c.name;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Models, DpmTableTest,
-    ::testing::Values(TableCase{"Dkk6XcoreTop", true, false, false, DK_SML_DPM_IP_XCORE, 9, DK_SML_SUCCESS},
-                      TableCase{"Dkk6XcorePastTop", true, false, false, DK_SML_DPM_IP_XCORE, 10,
-                                DK_SML_ERROR_INVALID_INPUT},
-                      TableCase{"Dkq9UsesDkk6Table", false, false, true, DK_SML_DPM_IP_CCX, 3, DK_SML_SUCCESS},
-                      TableCase{"Dkk6uHasNoDla", false, true, false, DK_SML_DPM_IP_DLA, 0, DK_SML_ERROR_INVALID_INPUT},
-                      TableCase{"Dkk6uHbm", false, true, false, DK_SML_DPM_IP_HBM, 2, DK_SML_SUCCESS},
-                      TableCase{"Dkk1XcoreEight", false, false, false, DK_SML_DPM_IP_XCORE, 8,
-                                DK_SML_ERROR_INVALID_INPUT},
-                      TableCase{"Dkk1NoCcx", false, false, false, DK_SML_DPM_IP_CCX, 0, DK_SML_ERROR_INVALID_INPUT},
-                      TableCase{"OutOfEnum", false, false, false, static_cast<DkSmlDpmIp>(99), 0,
-                                DK_SML_ERROR_INVALID_INPUT}),
-    [](const auto& p) { return std::string(p.param.name); });
 
 TEST_F(DpmServiceTest, CurrentLevelIsWrittenAsItIs) {
     device.brand = DK_SML_BRAND_DKK;
