@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <utility>
 
 #include "features/version/dk_version.h"
 #include "features/version/dk_version_text.h"
@@ -58,29 +59,21 @@ TEST_F(VersionServiceTest, UnitsByFirmwareKey) {
     EXPECT_STREQ(buffer, "unknown");
 }
 
-struct BadTextCase {
-    const char* name;
-    const char* text;
-    DkSmlReturn expected;
-};
-
-class VersionBadTextTest : public VersionServiceTest, public ::testing::WithParamInterface<BadTextCase> {};
-
-TEST_P(VersionBadTextTest, LeavesUnknown) {
-    device.Serve(0, DRAVIK_SMI_SHOWDRIVERVERSION, GetParam().text);
-    char buffer[16];
-    std::memset(buffer, 'x', sizeof buffer);
-    uint32_t size = sizeof buffer;
-    EXPECT_EQ(version.GetDieUnitVersion(&device, 0, DK_SML_VERSION_DRIVER, buffer, &size), GetParam().expected);
-    EXPECT_STREQ(buffer, "unknown");
+TEST_F(VersionServiceTest, BadTextLeavesUnknown) {
+    const std::pair<const char*, DkSmlReturn> cases[] = {
+        {"", DK_SML_ERROR_SYSFS},
+        {"driver version: \t\n", DK_SML_ERROR_SYSFS},
+        {"driver version: 0123456789abcdefXYZ\n", DK_SML_ERROR_INSUFFICIENT_SIZE},
+    };
+    for (const auto& [text, expected] : cases) {
+        device.Serve(0, DRAVIK_SMI_SHOWDRIVERVERSION, text);
+        char buffer[16];
+        std::memset(buffer, 'x', sizeof buffer);
+        uint32_t size = sizeof buffer;
+        EXPECT_EQ(version.GetDieUnitVersion(&device, 0, DK_SML_VERSION_DRIVER, buffer, &size), expected) << text;
+        EXPECT_STREQ(buffer, "unknown") << text;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Texts, VersionBadTextTest,
-                         ::testing::Values(BadTextCase{"Empty", "", DK_SML_ERROR_SYSFS},
-                                           BadTextCase{"EmptyValue", "driver version: \t\n", DK_SML_ERROR_SYSFS},
-                                           BadTextCase{"Long", "driver version: 0123456789abcdefXYZ\n",
-                                                       DK_SML_ERROR_INSUFFICIENT_SIZE}),
-                         [](const auto& p) { return std::string(p.param.name); });
 
 TEST_F(VersionServiceTest, DieVersionKeepsInitialTextsOfAbsentKeys) {
     device.brand = DK_SML_BRAND_DKZ;  // no compute stack on this line
