@@ -56,13 +56,10 @@ protected:
 };
 
 TEST(XrbmRangeTest, BoundariesOfTheWindows) {
-    EXPECT_TRUE(IsXrbmAddress(0x60000));
-    EXPECT_TRUE(IsXrbmAddress(0x603DB));
-    EXPECT_FALSE(IsXrbmAddress(0x603DC));
-    EXPECT_FALSE(IsXrbmAddress(0x5FFFF));
-    EXPECT_TRUE(IsXrbmAddress(0x62BFF));
-    EXPECT_FALSE(IsXrbmAddress(0x62C00));
-    EXPECT_FALSE(IsXrbmAddress(c_xrbmMutexRegister));
+    for (unsigned long inside : {0x60000UL, 0x603DBUL, 0x62BFFUL}) EXPECT_TRUE(IsXrbmAddress(inside)) << inside;
+    for (unsigned long outside : {0x603DCUL, 0x5FFFFUL, 0x62C00UL, c_xrbmMutexRegister}) {
+        EXPECT_FALSE(IsXrbmAddress(outside)) << outside;
+    }
 }
 
 TEST_F(RegisterServiceTest, SelectionCarriesTheDieInTheHighHalf) {
