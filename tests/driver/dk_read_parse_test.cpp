@@ -16,6 +16,7 @@ using test::ThrownCode;
 
 // --- ReadSysfs with an extractor -------------------------------------------
 
+// One int per file; an absent file (4) and no extractor (1) change nothing.
 TEST(ReadSysfsExtractor, OneIntTable) {
     struct Case {
         const char* content;
@@ -47,10 +48,6 @@ TEST(ReadSysfsExtractor, OneIntTable) {
         EXPECT_EQ(ReadSysfs(path, c.extractor, value), c.code) << "'" << c.content << "'";
         EXPECT_EQ(value, c.code == DK_SML_SUCCESS ? c.value : 12345) << "'" << c.content << "'";
     }
-}
-
-TEST(ReadSysfsExtractor, PathFailures) {
-    TempDir dir;
     int value = 1;
     EXPECT_EQ(ReadSysfs(dir / "absent", ExtractRawValueStr, value), DK_SML_ERROR_SYSFS);
     EXPECT_EQ(ReadSysfs(dir.Write("f", "5\n"), nullptr, value), DK_SML_ERROR_FAILURE);

