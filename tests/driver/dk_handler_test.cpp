@@ -59,17 +59,6 @@ TEST_F(HandlerTest, DieSelectsTheDirectory) {
     EXPECT_EQ(notUpdated.GetDriverInterfaceFile(1, DRAVIK_SMI_SHOWTEMP), "showtemp");
 }
 
-TEST_F(HandlerTest, UpdateDoesNotAddTheHostRoot) {
-    ScopedEnv root("DK_SMI_FSROOT", m_dir.Path().c_str());
-    LoadHostRoot();
-    DkLinuxDriverDataHandler handler;
-    FakeDevice device("/already/full/smi/", "/already/full/smi1/", "/already/node");
-    handler.UpdateDeviceProperties(&device);
-    EXPECT_EQ(handler.GetDriverInterfaceFile(0, DRAVIK_SMI_SHOWUSE), "/already/full/smi/showuse");
-    unsetenv("DK_SMI_FSROOT");
-    LoadHostRoot();
-}
-
 // --- fetch ----------------------------------------------------------------------
 
 // Each die reads its directory (every die past 0 "smi1"), the whole text of
@@ -199,10 +188,16 @@ TEST_F(HandlerTest, WriteRegisterLineWithTheVariable) {
     EXPECT_EQ(ReadWholeFile(debug + "/reg_dump"), "0xdeadbeef123456789\n");
 }
 
-TEST_F(HandlerTest, RegisterLinesUnderTheHostRootWhenUnset) {
+// Under a host root the device's paths are used as they are, and the register
+// lines go under the root when ROOT_PATH_REG_DUMP is unset.
+TEST_F(HandlerTest, HostRootKeepsDevicePathsAndHoldsTheRegisterLines) {
     ScopedEnv env("ROOT_PATH_REG_DUMP", nullptr);
     ScopedEnv root("DK_SMI_FSROOT", m_dir.Path().c_str());
     LoadHostRoot();
+    DkLinuxDriverDataHandler handler;
+    FakeDevice device("/already/full/smi/", "/already/full/smi1/", "/already/node");
+    handler.UpdateDeviceProperties(&device);
+    EXPECT_EQ(handler.GetDriverInterfaceFile(0, DRAVIK_SMI_SHOWUSE), "/already/full/smi/showuse");
     const std::string debug = m_dir.Mkdir("sys/kernel/debug/dkcd");
     EXPECT_EQ(m_handler.WriteRegister(0, 0x2000, 0x1), DK_SML_SUCCESS);
     EXPECT_EQ(ReadWholeFile(debug + "/reg_dump"), "0x0000000100002000\n");

@@ -62,7 +62,9 @@ TEST(XrbmRangeTest, BoundariesOfTheWindows) {
     }
 }
 
-TEST_F(RegisterServiceTest, SelectionCarriesTheDieInTheHighHalf) {
+// The selection carries the die in the high half; a device the selection
+// cannot name, or a refused selection, ends the operation.
+TEST_F(RegisterServiceTest, SelectionCarriesTheDieAndItsFailuresEndTheOperation) {
     device.index = 7;
     unsigned int value = 0;
     uint32_t count = 16;
@@ -71,12 +73,9 @@ TEST_F(RegisterServiceTest, SelectionCarriesTheDieInTheHighHalf) {
     EXPECT_EQ(Selection(), "65539");
     EXPECT_EQ(count, 1u);
     EXPECT_EQ(value, 0xCAFEu);
-}
 
-TEST_F(RegisterServiceTest, SelectionFailuresEndTheOperation) {
+    device.log.clear();
     device.index = 100;
-    unsigned int value = 0;
-    uint32_t count = 1;
     EXPECT_EQ(registers.GetRegisterData(&device, 0x1000, &value, &count), DK_SML_ERROR_NOT_SUPPORTED);
     device.index = 0;
     device.writeResult = DK_SML_ERROR_NOT_SUPPORTED;  // the debug file is absent
