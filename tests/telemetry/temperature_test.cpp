@@ -136,20 +136,14 @@ TEST_F(TemperatureTest, DeviceHotspotIsThePlainLargerValue) {
 
 // Sensor table ---------------------------------------------------------------
 
-class SensorTableTest : public TemperatureTest {
-protected:
-    void WriteTable(const std::string& text) { device.Serve(0, DRAVIK_SMI_SHOWTSTEMP, text); }
-
-    DkSmlTemperatureSensorForAll table{};
-};
-
 // A literal 65535 ends a row, a row keeps at most 16 readings, an overlong
 // line does not spill into the next row, and rows stop at the table size.
-TEST_F(SensorTableTest, RowsAndCounts) {
+TEST_F(TemperatureTest, SensorTableRowsAndCounts) {
     std::string text = "row0: 45 46 47\nrow1: 1 2 65535 4\nrow2:\nrow3: 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17\n";
     text += "row4: 1 2" + std::string(10000, ' ') + "3\nrow5: 9\n";
     for (int row = 6; row < 50; ++row) text += "row" + std::to_string(row) + ": " + std::to_string(row) + "\n";
-    WriteTable(text);
+    device.Serve(0, DRAVIK_SMI_SHOWTSTEMP, text);
+    DkSmlTemperatureSensorForAll table{};
     ASSERT_EQ(temperature.GetTemperatureSensor(&device, &table), DK_SML_SUCCESS);
     ASSERT_EQ(table.rowCount, static_cast<uint32_t>(DK_SML_TEMPERATURE_SENSOR_ROWS));
     EXPECT_EQ(table.rows[0].count, 3u);
@@ -165,13 +159,14 @@ TEST_F(SensorTableTest, RowsAndCounts) {
     EXPECT_EQ(table.rows[DK_SML_TEMPERATURE_SENSOR_ROWS - 1].readings[0], DK_SML_TEMPERATURE_SENSOR_ROWS - 1);
 }
 
-TEST_F(SensorTableTest, GateAndMissingFile) {
+TEST_F(TemperatureTest, SensorTableGateAndMissingFile) {
     struct Case {
         DkSmlDeviceBrand brand;
         bool isVf;
         DkSmlReturn expected;
     };
-    WriteTable("row0: 1\n");
+    device.Serve(0, DRAVIK_SMI_SHOWTSTEMP, "row0: 1\n");
+    DkSmlTemperatureSensorForAll table{};
     for (const Case& c : {Case{DK_SML_BRAND_DKK, false, DK_SML_SUCCESS}, Case{DK_SML_BRAND_DKK_X, false, DK_SML_SUCCESS},
                           Case{DK_SML_BRAND_DKQ, false, DK_SML_ERROR_NOT_SUPPORTED},
                           Case{DK_SML_BRAND_DKZ, false, DK_SML_ERROR_NOT_SUPPORTED},
