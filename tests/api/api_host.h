@@ -43,6 +43,13 @@ struct TableOutputs {
     alignas(std::max_align_t) unsigned char bytes[16384] = {};
 };
 
+// The compatibility handle of compute-stack number `index`.
+inline DkSmlExDevice HandleAt(uint32_t index) {
+    DkSmlExDevice handle = nullptr;
+    EXPECT_EQ(dkSmlExGetDeviceHandleByIndex(index, &handle), DK_SML_EX_SUCCESS) << index;
+    return handle;
+}
+
 // Forces a discovery on the host so no earlier test's devices linger.
 inline std::unique_ptr<vhost::ScopedHost> MakeHost(std::string_view profile) {
     auto host = std::make_unique<vhost::ScopedHost>(profile);

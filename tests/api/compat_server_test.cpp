@@ -81,12 +81,6 @@ const std::vector<CompatExport>& CompatExports() {
 class CompatServerTest : public ServerSuite {
 protected:
     void SetUp() override { ASSERT_GT(dkSmlGetDeviceCount(), 0u) << "discovery found no device on the server host"; }
-
-    static DkSmlExDevice HandleAt(uint32_t index) {
-        DkSmlExDevice handle = nullptr;
-        EXPECT_EQ(dkSmlExGetDeviceHandleByIndex(index, &handle), DK_SML_EX_SUCCESS) << index;
-        return handle;
-    }
 };
 
 // Null and forged handles are refused before anything is read, whatever the
