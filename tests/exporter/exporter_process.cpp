@@ -21,16 +21,6 @@ using namespace std::chrono_literals;
 fs::path ExporterBinary() { return fs::path(DKSML_BINARY_DIR) / "tools" / "exporter" / "dksml-exporter"; }
 fs::path DksmiBinary() { return fs::path(DKSML_BINARY_DIR) / "tools" / "dksmi" / "dksmi"; }
 
-std::string FindOnPath(const std::string& name) {
-    const char* path = std::getenv("PATH");
-    std::istringstream dirs(path ? path : "");
-    for (std::string dir; std::getline(dirs, dir, ':');) {
-        const fs::path candidate = fs::path(dir) / name;
-        if (!dir.empty() && ::access(candidate.c_str(), X_OK) == 0) return candidate.string();
-    }
-    return "";
-}
-
 std::string RunCommand(const std::string& command) {
     std::string out;
     FILE* pipe = ::popen(command.c_str(), "r");
@@ -39,6 +29,11 @@ std::string RunCommand(const std::string& command) {
     for (size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) out.append(buffer, n);
     ::pclose(pipe);
     return out;
+}
+
+std::string FindOnPath(const std::string& name) {
+    const std::string path = RunCommand("command -v '" + name + "'");
+    return path.substr(0, path.find('\n'));
 }
 
 // curl does the HTTP; -w appends the status code on a line of its own (000
