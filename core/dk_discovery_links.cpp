@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "core/dk_device.h"
-#include "core/dk_dir_listing.h"
+#include "driver/dk_dir_list.h"
 #include "core/dk_host_root.h"
 #include "core/dk_system_manager.h"
 #include "core/dk_system_manager_state.h"

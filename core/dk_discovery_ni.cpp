@@ -1,7 +1,6 @@
 #include "core/dk_discovery_ni.h"
 
 #include <cstdlib>
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,6 +10,7 @@
 #include "core/dk_host_root.h"
 #include "core/dk_system_manager.h"
 #include "core/dk_system_manager_state.h"
+#include "driver/dk_dir_list.h"
 #include "driver/dk_text.h"
 
 namespace dksml {
@@ -35,24 +35,14 @@ bool CheckIsRoceEnabled(const DkPciEntry& entry) {
 bool CheckIsInfinibandEnabled(const DkPciEntry& entry) {
     // Most functions have no "infiniband": a stat answers that more cheaply
     // than a failing open (no file is set up), and only a present one is listed.
+    const auto name = entry.File("infiniband");
     struct stat st {};
-    if (::fstatat(entry.dirFd, entry.File("infiniband").c_str(), &st, 0) != 0) return false;
-    const int fd = ::openat(entry.dirFd, entry.File("infiniband").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (::fstatat(entry.dirFd, name.c_str(), &st, 0) != 0) return false;
+    const int fd = ::openat(entry.dirFd, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (fd < 0) return false;
-    DIR* dir = ::fdopendir(fd);
-    if (dir == nullptr) {
-        ::close(fd);
-        return false;
-    }
     bool hasPort = false;
-    while (const dirent* item = ::readdir(dir)) {
-        std::string_view name = item->d_name;
-        if (name != "." && name != "..") {
-            hasPort = true;
-            break;
-        }
-    }
-    ::closedir(dir);
+    ForEachDirEntry(fd, [&hasPort](std::string_view) { hasPort = true; });
+    ::close(fd);
     return hasPort;
 }
 

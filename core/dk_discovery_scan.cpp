@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "core/dk_device.h"
-#include "core/dk_dir_listing.h"
+#include "driver/dk_dir_list.h"
 #include "core/dk_discovered_dirs.h"
 #include "core/dk_discovery_ni.h"
 #include "core/dk_driver_data_handler_factory.h"

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/dk_dir_listing.h"
+#include "driver/dk_dir_list.h"
 #include "core/dk_host_root.h"
 #include "core/dk_system_manager.h"
 #include "core/dk_system_manager_state.h"

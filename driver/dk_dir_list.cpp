@@ -6,7 +6,7 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
+#include <utility>
 
 namespace dksml {
 namespace {
@@ -31,17 +31,11 @@ DkSmlReturn ListDirectoryAt(int dirFd, const char* name, std::vector<std::string
     if (name == nullptr) return DK_SML_ERROR_SYSFS;
     const int fd = ::openat(dirFd, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (fd < 0) return errno == ENOENT || errno == ENOTDIR ? DK_SML_ERROR_NOT_SUPPORTED : DK_SML_ERROR_SYSFS;
-    DIR* dir = ::fdopendir(fd);  // takes the descriptor over
-    if (dir == nullptr) {
-        ::close(fd);
-        return DK_SML_ERROR_SYSFS;
-    }
-    names.clear();
-    while (const dirent* entry = ::readdir(dir)) {
-        if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0) continue;
-        names.emplace_back(entry->d_name);
-    }
-    ::closedir(dir);
+    std::vector<std::string> listed;
+    const bool complete = ForEachDirEntry(fd, [&listed](std::string_view entry) { listed.emplace_back(entry); });
+    ::close(fd);
+    if (!complete) return DK_SML_ERROR_SYSFS;
+    names = std::move(listed);
     return DK_SML_SUCCESS;
 }
 

@@ -1,8 +1,11 @@
 // Directory listings: a path listed in version or byte order (owning the
-// scandir() result), and the names below an opened directory descriptor.
+// scandir() result), and the names below an opened directory descriptor,
+// read with getdents64 into a buffer on the stack (no DIR, no allocation), so
+// that one descriptor serves both the listing and the opens of its entries.
 #pragma once
 
 #include <dirent.h>
+#include <unistd.h>
 
 #include <cstddef>
 #include <string>
@@ -30,6 +33,25 @@ private:
     dirent** m_entries = nullptr;
     int m_count = -1;
 };
+
+// Calls visit(name) for every entry of the directory open for reading on
+// `fd` (O_RDONLY | O_DIRECTORY) but "." and ".."; the descriptor stays open
+// and usable with openat. False when the directory cannot be read.
+template <typename Visit>
+bool ForEachDirEntry(int fd, Visit&& visit) {
+    alignas(dirent64) char buffer[16384];
+    for (;;) {
+        const ssize_t got = ::getdents64(fd, buffer, sizeof buffer);
+        if (got < 0) return false;
+        if (got == 0) return true;
+        for (std::size_t at = 0; at < static_cast<std::size_t>(got);) {
+            const auto* entry = reinterpret_cast<const dirent64*>(buffer + at);
+            at += entry->d_reclen;
+            const std::string_view name = entry->d_name;
+            if (name != "." && name != "..") visit(name);
+        }
+    }
+}
 
 // Names in the directory `name` relative to `dirFd` ("." for the directory
 // itself), "." and ".." left out, in the order the filesystem gives them;
