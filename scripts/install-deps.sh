@@ -7,7 +7,7 @@ packages=(
   cmake ninja-build g++ pkg-config binutils
   libgtest-dev libgmock-dev libbenchmark-dev
   nlohmann-json3-dev libcli11-dev libfmt-dev
-  pciutils hwloc-nox strace
+  pciutils hwloc-nox strace curl
   python3 python3-venv mypy
   prometheus-cpp-dev prometheus
 )

@@ -25,6 +25,31 @@ T* P(bool null, T (&values)[N]) {
     return null ? nullptr : values;
 }
 
+// Output storage for the export tables, which check only statuses: one
+// aligned buffer, large enough for any record or array a table passes, stands
+// for every output, and `Any(null)` converts to whatever pointer type the
+// parameter has. In/out capacities have their own words, starting at 4.
+struct TableOutputs {
+    struct Pointer {
+        void* address;
+        template <typename T>
+        operator T*() const {
+            return static_cast<T*>(address);
+        }
+    };
+    Pointer Any(bool null = false) { return Pointer{null ? nullptr : bytes}; }
+    uint32_t count = 4;
+    uint32_t count2 = 4;
+    alignas(std::max_align_t) unsigned char bytes[16384] = {};
+};
+
+// The compatibility handle of compute-stack number `index`.
+inline DkSmlExDevice HandleAt(uint32_t index) {
+    DkSmlExDevice handle = nullptr;
+    EXPECT_EQ(dkSmlExGetDeviceHandleByIndex(index, &handle), DK_SML_EX_SUCCESS) << index;
+    return handle;
+}
+
 // Forces a discovery on the host so no earlier test's devices linger.
 inline std::unique_ptr<vhost::ScopedHost> MakeHost(std::string_view profile) {
     auto host = std::make_unique<vhost::ScopedHost>(profile);

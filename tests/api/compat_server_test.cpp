@@ -16,36 +16,15 @@ namespace {
 
 // Every per-handle compatibility export as a table entry, callable with any
 // handle and with null or valid outputs.
-struct CompatOutputs {
-    uint32_t u32 = 4;
-    uint32_t u32b = 4;
-    int32_t i32 = 0;
-    int32_t i32b = 0;
-    uint64_t u64 = 0;
-    uint32_t array[64] = {};
-    char text[128] = {};
-    DkSmlExPciInfo pci{};
-    DkSmlExUtilization utilization{};
-    DkSmlExMemory memory{};
-    DkSmlExProcessInfo processes[4] = {};
-    DkSmlExFieldValue fields[2] = {};
-    DkSmlExPstates pState = DK_SML_EX_PSTATE_UNKNOWN;
-    DkSmlExEnableState enabled = DK_SML_EX_FEATURE_ENABLED;
-    DkSmlExEnableState defaultEnabled = DK_SML_EX_FEATURE_ENABLED;
-    DkSmlExGpuTopologyLevel ancestor = DK_SML_EX_TOPOLOGY_SYSTEM;
-    DkSmlExGpuP2PStatus p2p = DK_SML_EX_P2P_STATUS_UNKNOWN;
-    DkSmlExDravikLinkDeviceType linkType = DK_SML_EX_DRAVIK_LINK_DEVICE_TYPE_UNKNOWN;
-};
-
 struct CompatExport {
     const char* name;
     bool takesPointer;
-    std::function<DkSmlExReturn(CompatOutputs&, DkSmlExDevice, bool null)> call;
+    std::function<DkSmlExReturn(TableOutputs&, DkSmlExDevice, bool null)> call;
 };
 
 #define DK_COMPAT(name, takesPointer, body)                                                             \
     CompatExport {                                                                                      \
-        #name, takesPointer, [](CompatOutputs& o, DkSmlExDevice h, bool n) -> DkSmlExReturn {           \
+        #name, takesPointer, [](TableOutputs& o, DkSmlExDevice h, bool n) -> DkSmlExReturn {            \
             (void)o;                                                                                    \
             (void)n;                                                                                    \
             return body;                                                                                \
@@ -54,45 +33,45 @@ struct CompatExport {
 
 const std::vector<CompatExport>& CompatExports() {
     static const std::vector<CompatExport> exports = {
-        DK_COMPAT(dkSmlExDeviceGetName, true, dkSmlExDeviceGetName(h, P(n, o.text), sizeof(o.text))),
-        DK_COMPAT(dkSmlExDeviceGetUUID, true, dkSmlExDeviceGetUUID(h, P(n, o.text), sizeof(o.text))),
-        DK_COMPAT(dkSmlExDeviceGetPciInfo, true, dkSmlExDeviceGetPciInfo(h, P(n, o.pci))),
-        DK_COMPAT(dkSmlExDeviceGetMinorNumber, true, dkSmlExDeviceGetMinorNumber(h, P(n, o.u32))),
-        DK_COMPAT(dkSmlExDeviceGetComputeCapability, true, dkSmlExDeviceGetComputeCapability(h, P(n, o.i32), P(n, o.i32b))),
-        DK_COMPAT(dkSmlExDeviceGetTemperature, true, dkSmlExDeviceGetTemperature(h, DK_SML_EX_TEMPERATURE_GPU, P(n, o.u32))),
-        DK_COMPAT(dkSmlExDeviceGetTemperatureThreshold, true, dkSmlExDeviceGetTemperatureThreshold(h, DK_SML_EX_TEMPERATURE_THRESHOLD_SHUTDOWN, P(n, o.u32))),
-        DK_COMPAT(dkSmlExDeviceGetClockInfo, true, dkSmlExDeviceGetClockInfo(h, DK_SML_EX_CLOCK_SM, P(n, o.u32))),
-        DK_COMPAT(dkSmlExDeviceGetClock, true, dkSmlExDeviceGetClock(h, DK_SML_EX_CLOCK_MEM, DK_SML_EX_CLOCK_ID_CURRENT, P(n, o.u32))),
-        DK_COMPAT(dkSmlExDeviceGetApplicationsClock, true, dkSmlExDeviceGetApplicationsClock(h, DK_SML_EX_CLOCK_SM, P(n, o.u32))),
-        DK_COMPAT(dkSmlExDeviceGetSupportedMemoryClocks, true, dkSmlExDeviceGetSupportedMemoryClocks(h, P(n, o.u32), P(n, o.array))),
-        DK_COMPAT(dkSmlExDeviceGetSupportedGraphicsClocks, true, dkSmlExDeviceGetSupportedGraphicsClocks(h, 0, P(n, o.u32), P(n, o.array))),
-        DK_COMPAT(dkSmlExDeviceGetSupportedGraphicsClocks_v2, true, dkSmlExDeviceGetSupportedGraphicsClocks_v2(h, 0, P(n, o.u32), P(n, o.array))),
+        DK_COMPAT(dkSmlExDeviceGetName, true, dkSmlExDeviceGetName(h, o.Any(n), DK_SML_EX_DEVICE_NAME_BUFFER_SIZE)),
+        DK_COMPAT(dkSmlExDeviceGetUUID, true, dkSmlExDeviceGetUUID(h, o.Any(n), DK_SML_EX_DEVICE_UUID_BUFFER_SIZE)),
+        DK_COMPAT(dkSmlExDeviceGetPciInfo, true, dkSmlExDeviceGetPciInfo(h, o.Any(n))),
+        DK_COMPAT(dkSmlExDeviceGetMinorNumber, true, dkSmlExDeviceGetMinorNumber(h, P(n, o.count))),
+        DK_COMPAT(dkSmlExDeviceGetComputeCapability, true, dkSmlExDeviceGetComputeCapability(h, o.Any(n), o.Any(n))),
+        DK_COMPAT(dkSmlExDeviceGetTemperature, true, dkSmlExDeviceGetTemperature(h, DK_SML_EX_TEMPERATURE_GPU, P(n, o.count))),
+        DK_COMPAT(dkSmlExDeviceGetTemperatureThreshold, true, dkSmlExDeviceGetTemperatureThreshold(h, DK_SML_EX_TEMPERATURE_THRESHOLD_SHUTDOWN, P(n, o.count))),
+        DK_COMPAT(dkSmlExDeviceGetClockInfo, true, dkSmlExDeviceGetClockInfo(h, DK_SML_EX_CLOCK_SM, P(n, o.count))),
+        DK_COMPAT(dkSmlExDeviceGetClock, true, dkSmlExDeviceGetClock(h, DK_SML_EX_CLOCK_MEM, DK_SML_EX_CLOCK_ID_CURRENT, P(n, o.count))),
+        DK_COMPAT(dkSmlExDeviceGetApplicationsClock, true, dkSmlExDeviceGetApplicationsClock(h, DK_SML_EX_CLOCK_SM, P(n, o.count))),
+        DK_COMPAT(dkSmlExDeviceGetSupportedMemoryClocks, true, dkSmlExDeviceGetSupportedMemoryClocks(h, P(n, o.count), o.Any(n))),
+        DK_COMPAT(dkSmlExDeviceGetSupportedGraphicsClocks, true, dkSmlExDeviceGetSupportedGraphicsClocks(h, 0, P(n, o.count), o.Any(n))),
+        DK_COMPAT(dkSmlExDeviceGetSupportedGraphicsClocks_v2, true, dkSmlExDeviceGetSupportedGraphicsClocks_v2(h, 0, P(n, o.count), o.Any(n))),
         DK_COMPAT(dkSmlExDeviceSetApplicationsClocks, false, dkSmlExDeviceSetApplicationsClocks(h, 0, 1000)),
         DK_COMPAT(dkSmlExDeviceResetApplicationsClocks, false, dkSmlExDeviceResetApplicationsClocks(h)),
-        DK_COMPAT(dkSmlExDeviceGetPerformanceState, true, dkSmlExDeviceGetPerformanceState(h, P(n, o.pState))),
-        DK_COMPAT(dkSmlExDeviceGetAutoBoostedClocksEnabled, true, dkSmlExDeviceGetAutoBoostedClocksEnabled(h, P(n, o.enabled), P(n, o.defaultEnabled))),
+        DK_COMPAT(dkSmlExDeviceGetPerformanceState, true, dkSmlExDeviceGetPerformanceState(h, o.Any(n))),
+        DK_COMPAT(dkSmlExDeviceGetAutoBoostedClocksEnabled, true, dkSmlExDeviceGetAutoBoostedClocksEnabled(h, o.Any(n), o.Any(n))),
         DK_COMPAT(dkSmlExDeviceSetAutoBoostedClocksEnabled, false, dkSmlExDeviceSetAutoBoostedClocksEnabled(h, DK_SML_EX_FEATURE_ENABLED)),
-        DK_COMPAT(dkSmlExDeviceGetSupportedClocksThrottleReasons, true, dkSmlExDeviceGetSupportedClocksThrottleReasons(h, P(n, o.u64))),
-        DK_COMPAT(dkSmlExDeviceGetCurrentClocksThrottleReasons, true, dkSmlExDeviceGetCurrentClocksThrottleReasons(h, P(n, o.u64))),
-        DK_COMPAT(dkSmlExGetPowerUsage, true, dkSmlExGetPowerUsage(h, P(n, o.u32))),
-        DK_COMPAT(dkSmlExGetPowerManagementLimit, true, dkSmlExGetPowerManagementLimit(h, P(n, o.u32))),
-        DK_COMPAT(dkSmlExDeviceGetEnforcedPowerLimit, true, dkSmlExDeviceGetEnforcedPowerLimit(h, P(n, o.u32))),
-        DK_COMPAT(dkSmlExDeviceGetUtilization, true, dkSmlExDeviceGetUtilization(h, P(n, o.utilization))),
-        DK_COMPAT(dkSmlExDeviceGetMemoryInfo, true, dkSmlExDeviceGetMemoryInfo(h, P(n, o.memory))),
-        DK_COMPAT(dkSmlExDeviceGetCurrPcieLinkWidth, true, dkSmlExDeviceGetCurrPcieLinkWidth(h, P(n, o.u32))),
-        DK_COMPAT(dkSmlExGetMaxPcieLinkWidth, true, dkSmlExGetMaxPcieLinkWidth(h, P(n, o.u32))),
-        DK_COMPAT(dkSmlExGetPcieThroughput, true, dkSmlExGetPcieThroughput(h, DK_SML_EX_PCIE_UTIL_TX_BYTES, P(n, o.u32))),
-        DK_COMPAT(dkSmlExDeviceGetCpuAffinity, true, dkSmlExDeviceGetCpuAffinity(h, 4, P(n, o.array))),
+        DK_COMPAT(dkSmlExDeviceGetSupportedClocksThrottleReasons, true, dkSmlExDeviceGetSupportedClocksThrottleReasons(h, o.Any(n))),
+        DK_COMPAT(dkSmlExDeviceGetCurrentClocksThrottleReasons, true, dkSmlExDeviceGetCurrentClocksThrottleReasons(h, o.Any(n))),
+        DK_COMPAT(dkSmlExGetPowerUsage, true, dkSmlExGetPowerUsage(h, P(n, o.count))),
+        DK_COMPAT(dkSmlExGetPowerManagementLimit, true, dkSmlExGetPowerManagementLimit(h, P(n, o.count))),
+        DK_COMPAT(dkSmlExDeviceGetEnforcedPowerLimit, true, dkSmlExDeviceGetEnforcedPowerLimit(h, P(n, o.count))),
+        DK_COMPAT(dkSmlExDeviceGetUtilization, true, dkSmlExDeviceGetUtilization(h, o.Any(n))),
+        DK_COMPAT(dkSmlExDeviceGetMemoryInfo, true, dkSmlExDeviceGetMemoryInfo(h, o.Any(n))),
+        DK_COMPAT(dkSmlExDeviceGetCurrPcieLinkWidth, true, dkSmlExDeviceGetCurrPcieLinkWidth(h, P(n, o.count))),
+        DK_COMPAT(dkSmlExGetMaxPcieLinkWidth, true, dkSmlExGetMaxPcieLinkWidth(h, P(n, o.count))),
+        DK_COMPAT(dkSmlExGetPcieThroughput, true, dkSmlExGetPcieThroughput(h, DK_SML_EX_PCIE_UTIL_TX_BYTES, P(n, o.count))),
+        DK_COMPAT(dkSmlExDeviceGetCpuAffinity, true, dkSmlExDeviceGetCpuAffinity(h, 4, o.Any(n))),
         DK_COMPAT(dkSmlExDeviceSetCpuAffinity, false, dkSmlExDeviceSetCpuAffinity(h)),
-        DK_COMPAT(dkSmlExDeviceGetTopologyCommonAncestor, true, dkSmlExDeviceGetTopologyCommonAncestor(h, h, P(n, o.ancestor))),
-        DK_COMPAT(dkSmlExDeviceGetP2PStatus, true, dkSmlExDeviceGetP2PStatus(h, h, DK_SML_EX_P2P_CAPS_INDEX_READ, P(n, o.p2p))),
-        DK_COMPAT(dkSmlExDeviceGetDravikLinkState, true, dkSmlExDeviceGetDravikLinkState(h, 0, P(n, o.enabled))),
-        DK_COMPAT(dkSmlExDeviceGetDravikLinkRemotePciInfo_v2, true, dkSmlExDeviceGetDravikLinkRemotePciInfo_v2(h, 0, P(n, o.pci))),
-        DK_COMPAT(dkSmlExDeviceGetDravikLinkRemoteDeviceType, true, dkSmlExDeviceGetDravikLinkRemoteDeviceType(h, 0, P(n, o.linkType))),
-        DK_COMPAT(dkSmlExDeviceGetFieldValues, true, dkSmlExDeviceGetFieldValues(h, 2, P(n, o.fields))),
-        DK_COMPAT(dkSmlExDeviceGetFanSpeed, true, dkSmlExDeviceGetFanSpeed(h, P(n, o.u32))),
-        DK_COMPAT(dkSmlExDeviceGetFanSpeed_v2, true, dkSmlExDeviceGetFanSpeed_v2(h, 0, P(n, o.u32))),
-        DK_COMPAT(dkSmlExDeviceGetComputeRunningProcesses, true, dkSmlExDeviceGetComputeRunningProcesses(h, P(n, o.u32), P(n, o.processes))),
+        DK_COMPAT(dkSmlExDeviceGetTopologyCommonAncestor, true, dkSmlExDeviceGetTopologyCommonAncestor(h, h, o.Any(n))),
+        DK_COMPAT(dkSmlExDeviceGetP2PStatus, true, dkSmlExDeviceGetP2PStatus(h, h, DK_SML_EX_P2P_CAPS_INDEX_READ, o.Any(n))),
+        DK_COMPAT(dkSmlExDeviceGetDravikLinkState, true, dkSmlExDeviceGetDravikLinkState(h, 0, o.Any(n))),
+        DK_COMPAT(dkSmlExDeviceGetDravikLinkRemotePciInfo_v2, true, dkSmlExDeviceGetDravikLinkRemotePciInfo_v2(h, 0, o.Any(n))),
+        DK_COMPAT(dkSmlExDeviceGetDravikLinkRemoteDeviceType, true, dkSmlExDeviceGetDravikLinkRemoteDeviceType(h, 0, o.Any(n))),
+        DK_COMPAT(dkSmlExDeviceGetFieldValues, true, dkSmlExDeviceGetFieldValues(h, 2, o.Any(n))),
+        DK_COMPAT(dkSmlExDeviceGetFanSpeed, true, dkSmlExDeviceGetFanSpeed(h, P(n, o.count))),
+        DK_COMPAT(dkSmlExDeviceGetFanSpeed_v2, true, dkSmlExDeviceGetFanSpeed_v2(h, 0, P(n, o.count))),
+        DK_COMPAT(dkSmlExDeviceGetComputeRunningProcesses, true, dkSmlExDeviceGetComputeRunningProcesses(h, P(n, o.count), o.Any(n))),
     };
     return exports;
 }
@@ -102,12 +81,6 @@ const std::vector<CompatExport>& CompatExports() {
 class CompatServerTest : public ServerSuite {
 protected:
     void SetUp() override { ASSERT_GT(dkSmlGetDeviceCount(), 0u) << "discovery found no device on the server host"; }
-
-    static DkSmlExDevice HandleAt(uint32_t index) {
-        DkSmlExDevice handle = nullptr;
-        EXPECT_EQ(dkSmlExGetDeviceHandleByIndex(index, &handle), DK_SML_EX_SUCCESS) << index;
-        return handle;
-    }
 };
 
 // Null and forged handles are refused before anything is read, whatever the
@@ -122,13 +95,13 @@ TEST_F(CompatServerTest, BadHandlesAndNullOutputsAreInvalidArguments) {
     for (const CompatExport& entry : CompatExports()) {
         for (DkSmlExDevice handle : handles) {
             for (bool nullOutputs : {false, true}) {
-                CompatOutputs outputs;
+                TableOutputs outputs;
                 EXPECT_EQ(entry.call(outputs, handle, nullOutputs), DK_SML_EX_ERROR_INVALID_ARGUMENT)
                     << entry.name << (handle ? " forged" : " null") << (nullOutputs ? " with null outputs" : "");
             }
         }
         if (!entry.takesPointer) continue;
-        CompatOutputs outputs;
+        TableOutputs outputs;
         EXPECT_EQ(entry.call(outputs, valid, true), DK_SML_EX_ERROR_INVALID_ARGUMENT) << entry.name << " valid";
     }
     for (unsigned char byte : forged) ASSERT_EQ(byte, 0xA5);

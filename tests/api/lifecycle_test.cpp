@@ -56,7 +56,7 @@ TEST_F(EmptyHostTest, SystemQueriesRejectNullOutputsAndShortBuffers) {
     EXPECT_EQ(dkSmlExGetDeviceHandleByPciBusId(nullptr, &handle), DK_SML_EX_ERROR_INVALID_ARGUMENT);
 }
 
-TEST_F(EmptyHostTest, OpModeReadsTheDriversNumberAndWritesOneDecimalLine) {
+TEST_F(EmptyHostTest, OpModeReadsAndWritesOneDecimalLineWhileTheFileExists) {
     host->WriteFile(c_modeFile, "3\n");
     uint32_t mode = 0;
     EXPECT_EQ(dkSmlGetOpMode(&mode), DK_SML_SUCCESS);
@@ -65,13 +65,10 @@ TEST_F(EmptyHostTest, OpModeReadsTheDriversNumberAndWritesOneDecimalLine) {
     EXPECT_EQ(host->ReadFile(c_modeFile), "12\n");
     EXPECT_EQ(dkSmlGetOpMode(&mode), DK_SML_SUCCESS);
     EXPECT_EQ(mode, 12u);
-}
-
-// A driver without the attribute: nothing to read or write, whoever asks.
-TEST_F(EmptyHostTest, OpModeMissingFileCannotBeReadOrWritten) {
+    // A driver without the attribute: nothing to read or write, whoever asks.
     host->Remove(c_modeFile);
     EXPECT_EQ(dkSmlSetOpMode(1), DK_SML_ERROR_PERMISSION);
-    uint32_t mode = 77;
+    mode = 77;
     EXPECT_EQ(dkSmlGetOpMode(&mode), DK_SML_ERROR_SYSFS);
     EXPECT_EQ(mode, 77u);
 }

@@ -6,17 +6,12 @@
 
 #include <gtest/gtest.h>
 
+#include "api/api_host.h"
 #include "core/dk_system_manager.h"
 #include "discovery_host.h"
 
 namespace dksml::test {
 namespace {
-
-DkSmlExDevice HandleByIndex(uint32_t index) {
-    DkSmlExDevice handle = nullptr;
-    EXPECT_EQ(dkSmlExGetDeviceHandleByIndex(index, &handle), DK_SML_EX_SUCCESS) << index;
-    return handle;
-}
 
 TEST(CompatHandles, OneHandlePerDieOfEachPhysicalDevice) {
     auto host = Discovered("server"sv);
@@ -36,7 +31,7 @@ TEST(CompatHandles, OneHandlePerDieOfEachPhysicalDevice) {
     auto& manager = DkSystemManager::GetInstance();
     for (const auto& row : rows) {
         SCOPED_TRACE(row.vornId);
-        const DkSmlExDevice handle = HandleByIndex(row.vornId);
+        const DkSmlExDevice handle = HandleAt(row.vornId);
         const DkDieInfo* die = manager.GetDieByVornId(row.vornId);
         ASSERT_NE(die, nullptr);
         EXPECT_EQ(die->device->GetDeviceId(), row.deviceIndex);
@@ -58,7 +53,7 @@ TEST(CompatHandles, BusIdInAnyWidthFindsTheSameHandle) {
     ASSERT_EQ(dkSmlExGetDeviceHandleByPciBusId("0000:1e:00.0", &longForm), DK_SML_EX_SUCCESS);
     ASSERT_EQ(dkSmlExGetDeviceHandleByPciBusId("0:1e:0.0", &shortForm), DK_SML_EX_SUCCESS);
     EXPECT_EQ(longForm, shortForm);
-    EXPECT_EQ(longForm, HandleByIndex(3));
+    EXPECT_EQ(longForm, HandleAt(3));
     DkSmlExDevice handle = nullptr;
     EXPECT_EQ(dkSmlExGetDeviceHandleByPciBusId("zz:1e:00.0", &handle), DK_SML_EX_ERROR_INVALID_ARGUMENT);
     EXPECT_EQ(dkSmlExGetDeviceHandleByPciBusId("0000:d8:00.0", &handle), DK_SML_EX_ERROR_INVALID_ARGUMENT);  // limited
@@ -66,7 +61,7 @@ TEST(CompatHandles, BusIdInAnyWidthFindsTheSameHandle) {
 
 TEST(CompatHandles, UuidRoundTripAndBufferRule) {
     auto host = Discovered("server"sv);
-    DkSmlExDevice handle = HandleByIndex(2);
+    DkSmlExDevice handle = HandleAt(2);
     char uuid[DK_SML_UUID_LENGTH] = {};
     ASSERT_EQ(dkSmlExDeviceGetUUID(handle, uuid, sizeof(uuid)), DK_SML_EX_SUCCESS);
     ASSERT_GT(std::strlen(uuid), 0u);
@@ -84,12 +79,12 @@ TEST(CompatHandles, UuidRoundTripAndBufferRule) {
 
 TEST(CompatHandles, HandlesOfAnEarlierPassAreRefused) {
     auto host = Discovered("server"sv);
-    DkSmlExDevice old = HandleByIndex(0);
+    DkSmlExDevice old = HandleAt(0);
     char uuid[DK_SML_UUID_LENGTH] = {};
     ASSERT_EQ(dkSmlExDeviceGetUUID(old, uuid, sizeof(uuid)), DK_SML_EX_SUCCESS);
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
     EXPECT_EQ(dkSmlExDeviceGetUUID(old, uuid, sizeof(uuid)), DK_SML_EX_ERROR_INVALID_ARGUMENT);
-    EXPECT_EQ(dkSmlExDeviceGetUUID(HandleByIndex(0), uuid, sizeof(uuid)), DK_SML_EX_SUCCESS);
+    EXPECT_EQ(dkSmlExDeviceGetUUID(HandleAt(0), uuid, sizeof(uuid)), DK_SML_EX_SUCCESS);
 }
 
 }  // namespace

@@ -34,18 +34,15 @@ bool UpdatingGolden() {
     return value != nullptr && std::string(value) == "1";
 }
 
-void ReplaceAll(std::string& text, const std::string& from, const std::string& to) {
-    if (from.empty()) return;
-    for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
-        text.replace(at, from.size(), to);
-}
-
 // The one place that masks what legitimately differs between runs: the
 // temporary directory the virtual host is written to (it appears in messages
 // that name a file). The outputs carry no clock time; a profile that adds one
 // must be masked here too.
 std::string MaskVarying(std::string text, const ScopedHost& host) {
-    ReplaceAll(text, host.Root().string(), "<HOST_ROOT>");
+    const std::string root = host.Root().string();
+    const std::string mask = "<HOST_ROOT>";
+    for (size_t at = text.find(root); at != std::string::npos; at = text.find(root, at + mask.size()))
+        text.replace(at, root.size(), mask);
     return text;
 }
 

@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <sstream>
 #include <thread>
@@ -20,56 +21,39 @@ using namespace std::chrono_literals;
 fs::path ExporterBinary() { return fs::path(DKSML_BINARY_DIR) / "tools" / "exporter" / "dksml-exporter"; }
 fs::path DksmiBinary() { return fs::path(DKSML_BINARY_DIR) / "tools" / "dksmi" / "dksmi"; }
 
+std::string RunCommand(const std::string& command) {
+    std::string out;
+    FILE* pipe = ::popen(command.c_str(), "r");
+    if (pipe == nullptr) return out;
+    char buffer[16384];
+    for (size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) out.append(buffer, n);
+    ::pclose(pipe);
+    return out;
+}
+
 std::string FindOnPath(const std::string& name) {
-    const char* path = std::getenv("PATH");
-    std::istringstream dirs(path ? path : "");
-    for (std::string dir; std::getline(dirs, dir, ':');) {
-        const fs::path candidate = fs::path(dir) / name;
-        if (!dir.empty() && ::access(candidate.c_str(), X_OK) == 0) return candidate.string();
-    }
-    return "";
+    const std::string path = RunCommand("command -v '" + name + "'");
+    return path.substr(0, path.find('\n'));
 }
 
-namespace {
-
-sockaddr_in Loopback(int port) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<uint16_t>(port));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    return address;
-}
-
-}  // namespace
-
+// curl does the HTTP; -w appends the status code on a line of its own (000
+// when nothing answered), --globoff keeps the braces of a query as they are.
 HttpReply HttpGet(int port, const std::string& target, std::chrono::milliseconds timeout) {
-    HttpReply reply;
-    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (fd < 0) return reply;
-    timeval tv{static_cast<time_t>(timeout.count() / 1000), static_cast<suseconds_t>(timeout.count() % 1000 * 1000)};
-    ::setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &tv, sizeof tv);
-    ::setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &tv, sizeof tv);
-    const sockaddr_in address = Loopback(port);
-    std::string response;
-    if (::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
-        const std::string request = "GET " + target + " HTTP/1.0\r\nHost: 127.0.0.1\r\nConnection: close\r\n\r\n";
-        if (::send(fd, request.data(), request.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(request.size())) {
-            char buffer[16384];
-            for (ssize_t n; (n = ::recv(fd, buffer, sizeof buffer, 0)) > 0;) response.append(buffer, n);
-        }
-    }
-    ::close(fd);
-    const size_t space = response.find(' ');
-    const size_t bodyStart = response.find("\r\n\r\n");
-    if (space == std::string::npos || bodyStart == std::string::npos) return reply;
-    reply.status = std::atoi(response.c_str() + space + 1);
-    reply.body = response.substr(bodyStart + 4);
+    const std::string command = "curl -s --globoff -m " + std::to_string(timeout.count() / 1000.0) +
+                                " -o - -w '\\n%{http_code}' 'http://127.0.0.1:" + std::to_string(port) + target + "'";
+    HttpReply reply{0, RunCommand(command)};
+    const size_t statusLine = reply.body.rfind('\n');
+    if (statusLine == std::string::npos) return HttpReply{};
+    reply.status = std::atoi(reply.body.c_str() + statusLine + 1);
+    reply.body.resize(statusLine);
     return reply;
 }
 
 int FreeLoopbackPort() {
     const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address = Loopback(0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t size = sizeof address;
     int port = 0;
     if (::bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&

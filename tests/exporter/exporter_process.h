@@ -1,6 +1,6 @@
 // Runs real processes for the exporter tests: the built dksml-exporter (on
 // the host root of the current ScopedHost, on a free loopback port), a
-// Prometheus server, and a tiny HTTP client for their pages. Every wait is
+// Prometheus server, and curl for their pages. Every wait is
 // bounded and every child is killed when its object goes away.
 #pragma once
 
@@ -19,6 +19,9 @@ std::filesystem::path ExporterBinary();
 std::filesystem::path DksmiBinary();
 // An executable on PATH ("" when absent).
 std::string FindOnPath(const std::string& name);
+
+// The standard output of a shell command.
+std::string RunCommand(const std::string& command);
 
 struct HttpReply {
     int status = 0;  // 0: no answer

@@ -3,7 +3,6 @@
 // (which also asks for a HELP line per family).
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cstdio>
 #include <fstream>
 #include <unistd.h>
@@ -19,16 +18,6 @@ namespace {
 using nlohmann::json;
 using Labels = std::map<std::string, std::string>;
 using dksml::vhost::ScopedHost;
-
-std::string RunCommand(const std::string& command) {
-    std::string out;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr) return out;
-    std::array<char, 4096> buffer{};
-    for (size_t n; (n = fread(buffer.data(), 1, buffer.size(), pipe)) > 0;) out.append(buffer.data(), n);
-    pclose(pipe);
-    return out;
-}
 
 class ExporterServer : public ::testing::Test {
 protected:

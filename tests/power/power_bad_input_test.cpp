@@ -8,8 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "dksml.h"
-#include "vhost/dk_virtual_host.h"
+#include "api/api_host.h"
 
 namespace dksml::test {
 namespace {
@@ -20,19 +19,17 @@ constexpr uint32_t c_guard = 0xfeedu;
 struct Reader {
     const char* name;
     std::vector<const char*> files;  // every file is broken at once
-    std::function<DkSmlReturn(uint32_t index)> call;
+    std::function<DkSmlReturn(uint32_t index, TableOutputs& outputs)> call;
 };
 
-// Each call keeps one guard word past the array it hands over.
+// The calls whose outputs are arrays keep one guard word past the array;
+// the others write into the shared output storage.
 const std::vector<Reader>& Readers() {
     static const std::vector<Reader> readers{
         {"pmbus", {"showpmbusvol", "showpmbuscur", "showpmbuspower"},
-         [](uint32_t i) {
-             DkSmlPmbusInfo info{};
-             return dkSmlGetPmbusInfo(i, DK_SML_PMBUS_UNIT_SOC, &info);
-         }},
+         [](uint32_t i, TableOutputs& o) { return dkSmlGetPmbusInfo(i, DK_SML_PMBUS_UNIT_SOC, o.Any()); }},
         {"board", {"showboardpowerinfo"},
-         [](uint32_t i) {
+         [](uint32_t i, TableOutputs&) {
              DkSmlBoardWayElectricInfo ways[3]{};
              ways[2].values[0] = c_guard;
              uint32_t count = 2;
@@ -40,18 +37,10 @@ const std::vector<Reader>& Readers() {
              EXPECT_EQ(ways[2].values[0], c_guard);
              return result;
          }},
-        {"limit", {"config_tbp"},
-         [](uint32_t i) {
-             uint32_t limit = 0;
-             return dkSmlGetBoardPowerLimit(i, &limit);
-         }},
-        {"pci state", {"pcipowerstate"},
-         [](uint32_t i) {
-             DkSmlPciPowerState state{};
-             return dkSmlGetPciPowerState(i, &state);
-         }},
+        {"limit", {"config_tbp"}, [](uint32_t i, TableOutputs& o) { return dkSmlGetBoardPowerLimit(i, o.Any()); }},
+        {"pci state", {"pcipowerstate"}, [](uint32_t i, TableOutputs& o) { return dkSmlGetPciPowerState(i, o.Any()); }},
         {"ip states", {"ippowerstate"},
-         [](uint32_t i) {
+         [](uint32_t i, TableOutputs&) {
              int32_t states[13];
              states[12] = static_cast<int32_t>(c_guard);
              uint32_t count = 12;
@@ -60,17 +49,11 @@ const std::vector<Reader>& Readers() {
              return result;
          }},
         {"engine usage", {"showuse"},
-         [](uint32_t i) {
-             int32_t usage = 0;
-             return dkSmlGetDeviceIpUsage(i, DK_SML_USAGE_IP_VPUD, &usage);
-         }},
+         [](uint32_t i, TableOutputs& o) { return dkSmlGetDeviceIpUsage(i, DK_SML_USAGE_IP_VPUD, o.Any()); }},
         {"xcore usage", {"showxcuse"},
-         [](uint32_t i) {
-             int32_t usage = 0;
-             return dkSmlGetDeviceIpUsage(i, DK_SML_USAGE_IP_XCORE, &usage);
-         }},
+         [](uint32_t i, TableOutputs& o) { return dkSmlGetDeviceIpUsage(i, DK_SML_USAGE_IP_XCORE, o.Any()); }},
         {"ap table", {"deviceinfo", "showxcuse"},
-         [](uint32_t i) {
+         [](uint32_t i, TableOutputs&) {
              std::vector<uint32_t> table(12 * 4 + 1, 0);
              table.back() = c_guard;
              uint32_t dpcs = 12;
@@ -80,15 +63,9 @@ const std::vector<Reader>& Readers() {
              return result;
          }},
         {"ap switch", {"apuseageswitch"},
-         [](uint32_t i) {
-             uint32_t state = 0;
-             return dkSmlGetApUsageToggle(i, &state);
-         }},
+         [](uint32_t i, TableOutputs& o) { return dkSmlGetApUsageToggle(i, o.Any()); }},
         {"memory", {"showmeminfo", "showmemuse"},
-         [](uint32_t i) {
-             DkSmlMemoryInfo info{};
-             return dkSmlGetMemoryInfo(i, &info);
-         }},
+         [](uint32_t i, TableOutputs& o) { return dkSmlGetMemoryInfo(i, o.Any()); }},
     };
     return readers;
 }
@@ -129,10 +106,11 @@ TEST(PowerBadInput, EveryReaderAnswersADefinedFailure) {
     DkSmlPmbusInfo pmbus{};
     EXPECT_EQ(dkSmlGetPmbusInfo(index, static_cast<DkSmlPmbusUnit>(77), &pmbus), DK_SML_ERROR_NOT_SUPPORTED);
 
+    TableOutputs outputs;
     for (const Reader& reader : Readers()) {
         std::vector<std::string> saved;
         for (const char* file : reader.files) saved.push_back(host->ReadFile(std::string(c_device) + file));
-        ASSERT_EQ(reader.call(index), DK_SML_SUCCESS) << reader.name << " on the host as written";
+        ASSERT_EQ(reader.call(index, outputs), DK_SML_SUCCESS) << reader.name << " on the host as written";
         for (const Content& content : Contents()) {
             for (const char* file : reader.files) {
                 const std::string path = std::string(c_device) + file;
@@ -143,7 +121,7 @@ TEST(PowerBadInput, EveryReaderAnswersADefinedFailure) {
                     host->WriteFile(path, content.text);
                 }
             }
-            const DkSmlReturn result = reader.call(index);
+            const DkSmlReturn result = reader.call(index, outputs);
             EXPECT_NE(result, DK_SML_SUCCESS) << reader.name << " / " << content.name;
             EXPECT_TRUE(result == DK_SML_ERROR_FAILURE || result == DK_SML_ERROR_NOT_SUPPORTED ||
                         result == DK_SML_ERROR_SYSFS)

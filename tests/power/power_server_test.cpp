@@ -1,5 +1,6 @@
 // Power, usage and memory through the C API on the "server" virtual host,
-// checked against the attribute files the host wrote.
+// checked against the attribute files the host wrote, and the die check of
+// their die forms.
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -74,6 +75,21 @@ TEST_F(PowerServer, PciPowerStateAlsoForTheLimitedDevice) {
     ASSERT_EQ(dkSmlGetLimitedDeviceInfo(6, &limited), DK_SML_SUCCESS);  // after the six usable GPUs
     // The limited device is the one without the file: it is asked, not skipped.
     EXPECT_EQ(dkSmlGetPciPowerState(6, &state), DK_SML_ERROR_NOT_SUPPORTED);
+}
+
+// Die forms check the die against the device before any service runs.
+TEST_F(PowerServer, DieBeyondTheDeviceIsInvalid) {
+    ASSERT_GT(dkSmlGetDeviceCount(), 0u) << "discovery found no device on the server host";
+    for (uint32_t index = 0; index < dkSmlGetDeviceCount(); ++index) {
+        uint32_t dies = 0;
+        ASSERT_EQ(dkSmlGetDeviceDieCount(index, &dies), DK_SML_SUCCESS) << index;
+        DkSmlMemoryInfo memory{};
+        int32_t value = 0;
+        DkSmlPmbusInfo pmbus{};
+        EXPECT_EQ(dkSmlGetDieMemoryInfo(index, dies, &memory), DK_SML_ERROR_INVALID_DIE_ID) << index;
+        EXPECT_EQ(dkSmlGetDieIpUsage(index, dies, DK_SML_USAGE_IP_DLA, &value), DK_SML_ERROR_INVALID_DIE_ID);
+        EXPECT_EQ(dkSmlGetDiePmbusInfo(index, 0xFFFFFFFFu, DK_SML_PMBUS_UNIT_SOC, &pmbus), DK_SML_ERROR_INVALID_DIE_ID);
+    }
 }
 
 TEST_F(PowerServer, IpStatesAreBitsOfTheDiesMask) {

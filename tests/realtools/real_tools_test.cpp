@@ -1,6 +1,7 @@
-// The standard Linux tools (pciutils' lspci, hwloc's lstopo-no-graphics) see
-// every shipped profile as the profile describes it: lspci draws the bridges,
-// ids and links; hwloc the bridges, NUMA nodes, cores and CPU sets. Skips only
+// The standard Linux tools (pciutils' lspci, hwloc's lstopo-no-graphics,
+// hwloc-calc and hwloc-info) see every shipped profile as the profile
+// describes it: lspci draws the bridges, ids and links; hwloc the bridges,
+// NUMA nodes, cores and CPU sets. Skips only
 // when the tools are not installed.
 #include <sys/wait.h>
 #include <unistd.h>
@@ -39,28 +40,11 @@ struct ToolRun {
     std::vector<std::string> errorLines;  // stderr, minus notes about the build machine itself
 };
 
-// One hwloc object of an XML export with its ancestors, outermost first.
-struct HwlocObject {
-    std::string type;
-    std::string busId;   // pci_busid of PCI devices and bridges
-    std::string cpuset;  // as hwloc writes it: "0x0000ffff,0xffffffff"
-    int osIndex = -1;
-    std::vector<const HwlocObject*> ancestors;
-};
-
 // lspci -v looks up kernel modules of the build machine through libkmod; on
 // a container without /lib/modules it says so. That note is about the
 // machine running the test, not about the tree under test.
 bool IsBuildMachineNote(const std::string& line) {
     return line.find("Unable to load libkmod resources") != std::string::npos;
-}
-
-std::string Attribute(const std::string& tag, const std::string& name) {
-    const std::string key = " " + name + "=\"";
-    const size_t at = tag.find(key);
-    if (at == std::string::npos) return "";
-    const size_t start = at + key.size();
-    return tag.substr(start, tag.find('"', start) - start);
 }
 
 // Runs `command` through the shell with stdout and stderr captured apart.
@@ -96,62 +80,11 @@ std::string Lspci(const std::filesystem::path& root, const std::string& options)
     return "lspci -A linux-sysfs -O sysfs.path=" + (root / "sys/bus/pci").string() + " " + options;
 }
 
-// hwloc with the virtual host as its file-system root. The x86 backend is
-// left out: it would add the build machine's own caches from cpuid.
-std::string Lstopo(const std::filesystem::path& root, const std::string& options) {
-    return "HWLOC_COMPONENTS=-x86 HWLOC_FSROOT=" + root.string() + " lstopo-no-graphics " + options;
-}
-
-// The objects of an XML export, each with its ancestors, outermost first.
-std::vector<HwlocObject> ParseHwlocXml(const std::string& xml) {
-    // Two passes: first collect, then link ancestors (the vector must not move).
-    struct Raw {
-        HwlocObject object;
-        std::vector<size_t> ancestors;
-    };
-    std::vector<Raw> raw;
-    std::vector<size_t> open;
-    for (size_t at = xml.find('<'); at != std::string::npos; at = xml.find('<', at + 1)) {
-        if (xml.compare(at, 9, "</object>") == 0) {
-            if (!open.empty()) open.pop_back();
-            continue;
-        }
-        if (xml.compare(at, 8, "<object ") != 0) continue;
-        const std::string tag = xml.substr(at, xml.find('>', at) - at + 1);
-        Raw entry;
-        entry.object.type = Attribute(tag, "type");
-        entry.object.busId = Attribute(tag, "pci_busid");
-        entry.object.cpuset = Attribute(tag, "cpuset");
-        const std::string osIndex = Attribute(tag, "os_index");
-        entry.object.osIndex = osIndex.empty() ? -1 : std::stoi(osIndex);
-        entry.ancestors = open;
-        raw.push_back(entry);
-        if (tag.size() < 2 || tag[tag.size() - 2] != '/') open.push_back(raw.size() - 1);
-    }
-    std::vector<HwlocObject> objects;
-    objects.reserve(raw.size());
-    for (const Raw& entry : raw) objects.push_back(entry.object);
-    for (size_t i = 0; i < raw.size(); ++i) {
-        for (const size_t ancestor : raw[i].ancestors) objects[i].ancestors.push_back(&objects[ancestor]);
-    }
-    return objects;
-}
-
-// "0x0000000f,0xffffffff" to CPU numbers, ascending.
-std::vector<unsigned> HwlocSetCpus(const std::string& set) {
-    std::vector<std::string> words;
-    std::istringstream in(set);
-    for (std::string word; std::getline(in, word, ',');) words.push_back(word);
-    std::vector<unsigned> cpus;
-    for (size_t i = 0; i < words.size(); ++i) {
-        const unsigned long value = std::strtoul(words[i].c_str(), nullptr, 16);
-        const unsigned base = static_cast<unsigned>((words.size() - 1 - i) * 32);
-        for (unsigned bit = 0; bit < 32; ++bit) {
-            if (value & (1ul << bit)) cpus.push_back(base + bit);
-        }
-    }
-    std::sort(cpus.begin(), cpus.end());
-    return cpus;
+// An hwloc tool with the virtual host as its file-system root. The x86 backend
+// is left out: it would add the build machine's own caches from cpuid, which on
+// some processors cannot nest inside a simulated CPU set.
+std::string Hwloc(const std::filesystem::path& root, const std::string& toolAndOptions) {
+    return "HWLOC_COMPONENTS=-x86 HWLOC_FSROOT=" + root.string() + " " + toolAndOptions;
 }
 
 std::string Hex4(uint32_t value) {
@@ -162,8 +95,8 @@ std::string Hex4(uint32_t value) {
 
 // lspci's name for a PCI Express generation.
 std::string LspciSpeed(unsigned generation) {
-    static const std::map<unsigned, std::string> speeds{{1, "2.5GT/s"}, {2, "5GT/s"}, {3, "8GT/s"},
-                                                        {4, "16GT/s"}, {5, "32GT/s"}, {6, "64GT/s"}};
+    static const std::map<unsigned, std::string> speeds{{1, "2.5GT/s"}, {2, "5GT/s"},  {3, "8GT/s"},
+                                                        {4, "16GT/s"},  {5, "32GT/s"}, {6, "64GT/s"}};
     return speeds.at(generation);
 }
 
@@ -175,7 +108,7 @@ std::string LineStartingWith(const std::string& text, const std::string& prefix)
 class RealTools : public ::testing::TestWithParam<std::string> {
 protected:
     void SetUp() override {
-        for (const char* tool : {"lspci", "lstopo-no-graphics"}) {
+        for (const char* tool : {"lspci", "lstopo-no-graphics", "hwloc-calc", "hwloc-info"}) {
             if (const std::string missing = MissingTool(tool); !missing.empty()) GTEST_SKIP() << missing;
         }
         host_ = std::make_unique<vhost::ScopedHost>(GetParam());
@@ -192,6 +125,14 @@ protected:
     }
 
     fs::path Root() const { return host_->Root(); }
+
+    // The physical numbers of the CPUs hwloc places in `location`, ascending.
+    std::vector<unsigned> HwlocCpus(const std::string& location) {
+        const std::string list = MustRun(Hwloc(Root(), "hwloc-calc -p -I pu " + location)).out;
+        std::vector<unsigned> cpus = vhost::ParseCpuList(list.substr(0, list.find('\n')));
+        std::sort(cpus.begin(), cpus.end());
+        return cpus;
+    }
 
     std::unique_ptr<vhost::ScopedHost> host_;
     HostSpec spec_;
@@ -237,52 +178,47 @@ TEST_P(RealTools, LspciShowsEveryFunctionBehindItsBridgesWithItsIdsAndLinks) {
     }
 }
 
-TEST_P(RealTools, LstopoDrawsBridgesNumaNodesAndCpuSets) {
-    // Without the x86 backend: it asks the build machine's own processor for its
-    // caches, which on some processors cannot nest inside a simulated CPU set.
-    MustRun(Lstopo(Root(), "--whole-io"));
-    const std::string xml = MustRun(Lstopo(Root(), "--whole-io --of xml -")).out;
-    const std::vector<HwlocObject> objects = ParseHwlocXml(xml);
+TEST_P(RealTools, HwlocDrawsBridgesNumaNodesAndCpuSets) {
+    MustRun(Hwloc(Root(), "lstopo-no-graphics --whole-io"));
     // The firmware's distance table: 10 to the node itself, 21 to the other.
     if (spec_.cpuNodes.size() == 2) {
+        const std::string xml = MustRun(Hwloc(Root(), "lstopo-no-graphics --of xml -")).out;
         EXPECT_NE(xml.find(">10 21 21 10 <"), std::string::npos) << "NUMA distances";
     }
+    // Each node's CPUs, paired into cores by their thread siblings: hwloc-calc
+    // names every CPU by its core and its rank within that core.
     std::map<int, std::vector<unsigned>> nodeCpus;
-    std::vector<size_t> coreSizes;
-    for (const HwlocObject& object : objects) {
-        if (object.type == "NUMANode") nodeCpus[object.osIndex] = HwlocSetCpus(object.cpuset);
-        if (object.type == "Core") coreSizes.push_back(HwlocSetCpus(object.cpuset).size());
-    }
-    // Each node's CPUs, paired into cores by their thread siblings.
-    size_t cpus = 0;
-    std::vector<size_t> expectedCoreSizes;
+    std::string coreThreads;
+    unsigned core = 0;
     for (const vhost::CpuNodeSpec& node : spec_.cpuNodes) {
         const std::vector<unsigned> nodeList = vhost::ParseCpuList(node.cpuList);
+        nodeCpus[static_cast<int>(node.nodeId)] = HwlocCpus("node:" + std::to_string(node.nodeId));
         EXPECT_EQ(nodeCpus[static_cast<int>(node.nodeId)], nodeList) << "node " << node.nodeId;
-        cpus += nodeList.size();
-        expectedCoreSizes.insert(expectedCoreSizes.end(), nodeList.size() / node.threadsPerCore, node.threadsPerCore);
-    }
-    if (cpus > 0) {
-        EXPECT_EQ(coreSizes, expectedCoreSizes);
-    }
-    std::map<std::string, const HwlocObject*> byBusId;
-    for (const HwlocObject& object : objects) {
-        if (object.type == "PCIDev") byBusId[object.busId] = &object;
-    }
-    for (const DeviceSpec& device : spec_.devices) {
-        ASSERT_TRUE(byBusId.contains(device.busId)) << device.busId;
-        std::vector<std::string> bridges;
-        const HwlocObject* closestCpuSide = nullptr;
-        for (const HwlocObject* ancestor : byBusId[device.busId]->ancestors) {
-            if (ancestor->type == "Bridge" && !ancestor->busId.empty()) bridges.push_back(ancestor->busId);
-            if (ancestor->type == "Package" || ancestor->type == "Machine" || ancestor->type == "Group") {
-                closestCpuSide = ancestor;
+        for (size_t i = 0; i < nodeList.size() / node.threadsPerCore; ++i, ++core) {
+            for (unsigned thread = 0; thread < node.threadsPerCore; ++thread) {
+                coreThreads += " Core:" + std::to_string(core) + ".PU:" + std::to_string(thread);
             }
         }
-        EXPECT_EQ(bridges, device.bridges) << device.busId;
-        ASSERT_NE(closestCpuSide, nullptr) << device.busId;
+    }
+    if (!coreThreads.empty()) {
+        EXPECT_EQ(MustRun(Hwloc(Root(), "hwloc-calc -H core.pu all")).out, coreThreads.substr(1) + "\n");
+    }
+    // hwloc-info lists the device, then its bridges from the device outwards,
+    // then the CPU-side objects (host bridges have no bus id).
+    for (const DeviceSpec& device : spec_.devices) {
+        const std::string ancestors =
+            MustRun(Hwloc(Root(), "hwloc-info --whole-io --ancestors pci=" + device.busId)).out;
+        std::vector<std::string> busIds;
+        std::istringstream lines(ancestors);
+        for (std::string line; std::getline(lines, line);) {
+            if (line.starts_with(" attr PCI bus id = ")) busIds.insert(busIds.begin(), line.substr(19));
+        }
+        ASSERT_FALSE(busIds.empty()) << device.busId << " not found by hwloc";
+        EXPECT_EQ(busIds.back(), device.busId);
+        busIds.pop_back();
+        EXPECT_EQ(busIds, device.bridges) << device.busId;
         if (device.numaNode >= 0) {
-            EXPECT_EQ(HwlocSetCpus(closestCpuSide->cpuset), vhost::ParseCpuList(device.localCpuList)) << device.busId;
+            EXPECT_EQ(HwlocCpus("pci=" + device.busId), vhost::ParseCpuList(device.localCpuList)) << device.busId;
             EXPECT_EQ(nodeCpus[device.numaNode], vhost::ParseCpuList(device.localCpuList)) << device.busId;
         }
     }
