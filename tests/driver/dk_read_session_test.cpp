@@ -5,16 +5,11 @@
 #include <cstdio>
 #include <string>
 
-#include "core/idk_device.h"
-#include "driver/dk_driver_data_handler.h"
 #include "driver/dk_read_session.h"
-#include "dk_driver_test_util.h"
 #include "dk_handler_fixture.h"
-#include "support/dk_fake_device.h"
 
 namespace dksml {
 namespace {
-
 
 class ReadSessionTest : public test::HandlerTest {
 protected:
