@@ -44,13 +44,6 @@ public:
 
 class RegisterServiceTest : public ::testing::Test {
 protected:
-    // The selection is a write of the "select_gpu_id" request.
-    std::string Selection() const {
-        for (auto it = device.writes.rbegin(); it != device.writes.rend(); ++it)
-            if (it->op == DRAVIK_SMI_SELECTGPUID) return it->text;
-        return {};
-    }
-
     RegisterDevice device;
     DkRegister registers{[](uint32_t index) { return index == 7 ? 3u : 40217u; }};
 };
@@ -62,15 +55,18 @@ TEST(XrbmRangeTest, BoundariesOfTheWindows) {
     }
 }
 
-// The selection carries the die in the high half; a device the selection
-// cannot name, or a refused selection, ends the operation.
+// The selection, one write of the "select_gpu_id" request, carries the die in
+// the high half; a device the selection cannot name, or a refused selection,
+// ends the operation.
 TEST_F(RegisterServiceTest, SelectionCarriesTheDieAndItsFailuresEndTheOperation) {
     device.index = 7;
     unsigned int value = 0;
     uint32_t count = 16;
     device.queues[0x1000] = {0xCAFE};
     ASSERT_EQ(registers.GetDieRegisterData(&device, 1, 0x1000, &value, &count), DK_SML_SUCCESS);
-    EXPECT_EQ(Selection(), "65539");
+    ASSERT_EQ(device.writes.size(), 1u);
+    EXPECT_EQ(device.writes[0].op, DRAVIK_SMI_SELECTGPUID);
+    EXPECT_EQ(device.writes[0].text, "65539");
     EXPECT_EQ(count, 1u);
     EXPECT_EQ(value, 0xCAFEu);
 
