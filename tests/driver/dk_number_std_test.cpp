@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <iomanip>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -80,18 +81,6 @@ TEST(Conversions, MatchTheStandardOnes) {
 }
 
 template <typename T>
-std::string Show(T v) {
-    if constexpr (std::is_floating_point_v<T>) {
-        std::ostringstream os;
-        os.precision(17);
-        os << v;
-        return os.str();
-    } else {
-        return std::to_string(v);
-    }
-}
-
-template <typename T>
 void ExpectSameAsStream(const std::string& text) {
     std::istringstream in(text);
     T fromStream = T(77);
@@ -102,7 +91,8 @@ void ExpectSameAsStream(const std::string& text) {
     ASSERT_EQ(ok, streamOk) << typeid(T).name() << " '" << text << "'";
     if (ok) {
         EXPECT_EQ(std::memcmp(&ours, &fromStream, sizeof(T)), 0)
-            << typeid(T).name() << " '" << text << "' ours " << Show(ours) << " stream " << Show(fromStream);
+            << typeid(T).name() << " '" << text << "' ours " << std::setprecision(17) << ours << " stream "
+            << fromStream;
     } else {
         EXPECT_EQ(ours, T(77)) << "output must be untouched on failure";
     }
