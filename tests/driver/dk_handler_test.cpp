@@ -26,23 +26,13 @@ using test::HandlerTest;
 
 // --- request table --------------------------------------------------------------
 
-TEST(RequestTable, SpotChecks) {
-    struct Case {
-        uint32_t op;
-        const char* name;
-    };
-    const Case cases[] = {
-        {0, "apuseageswitch"}, {3, "capability"}, {35, "dravlink_ctrl"}, {60, "ras_show_mem_ecc_info"},
-        {92, "showclocks"}, {126, "showtemp"}, {131, "showuse"}, {157, "xpuusedebugmax"},
-        {164, "dpm_table_ctrl"}, {172, "update_flash_lock"}, {173, "showtstemp"}, {176, "showtopology"},
-        // reserved numbers and absent ones both give the empty name
-        {177, "setpcidelay"}, {203, "sgpu/sgpu%u/meminfo"},
-        {1, ""}, {53, ""}, {158, ""}, {19, ""}, {149, ""}, {DRAVIK_SMI_OPCODE_END, ""}, {0xFFFFFFFFu, ""},
-    };
-    for (const Case& c : cases) {
-        const std::string expected = c.name != nullptr ? c.name : "";
-        EXPECT_EQ(DkDriverInterfaceManager::GetDriverInterface(static_cast<dravik_smi_opcode>(c.op)), expected)
-            << c.op;
+// A reserved number, an absent one and numbers past the end of the flat table
+// give the empty name, without a read past the table. The names themselves are
+// read back by the tests on real files here and on the virtual hosts, whose
+// attribute names the host builder spells on its own.
+TEST(RequestTable, UnnamedAndOutOfRangeNumbersGiveTheEmptyName) {
+    for (uint32_t op : {1u, 149u, static_cast<uint32_t>(DRAVIK_SMI_OPCODE_END), 0xFFFFFFFFu}) {
+        EXPECT_EQ(DkDriverInterfaceManager::GetDriverInterface(static_cast<dravik_smi_opcode>(op)), "") << op;
     }
 }
 
