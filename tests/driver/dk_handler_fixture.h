@@ -22,6 +22,13 @@ protected:
         m_handler.UpdateDeviceProperties(&device);
     }
 
+    // The fetched text, "untouched" when the fetch leaves it alone.
+    std::string Fetch(unsigned int die, dravik_smi_opcode op, DkSmlReturn expected = DK_SML_SUCCESS) {
+        std::string text = "untouched";
+        EXPECT_EQ(m_handler.FetchData(die, op, text), expected) << op << "/" << die;
+        return text;
+    }
+
     TempDir m_dir;
     std::string m_smi0, m_smi1, m_node;
     DkLinuxDriverDataHandler m_handler;

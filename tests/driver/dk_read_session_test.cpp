@@ -11,14 +11,7 @@
 namespace dksml {
 namespace {
 
-class ReadSessionTest : public test::HandlerTest {
-protected:
-    std::string Fetch(unsigned int die, dravik_smi_opcode op, DkSmlReturn expected = DK_SML_SUCCESS) {
-        std::string text = "untouched";
-        EXPECT_EQ(m_handler.FetchData(die, op, text), expected);
-        return text;
-    }
-};
+using ReadSessionTest = test::HandlerTest;
 
 TEST_F(ReadSessionTest, KeepsAnswersAndRefusalsPerDie) {
     m_dir.Write("dev/smi/showtemp", "die0\n");
