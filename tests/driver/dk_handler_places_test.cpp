@@ -76,9 +76,6 @@ TEST_F(HandlerPlacesTest, EachPlaceAnswersFromItsDirectory) {
         EXPECT_EQ(m_handler.FetchIndexedData(c.index, c.op, m_text), c.status) << c.op << "/" << c.index;
         EXPECT_EQ(m_text, c.status == DK_SML_SUCCESS ? c.text : "kept") << c.op << "/" << c.index;
     }
-    // Requests without an index in their name read the same through FetchData.
-    ASSERT_EQ(m_handler.FetchData(1, DRAVIK_SMI_MAXLINKWIDTH, m_text), DK_SML_SUCCESS);
-    EXPECT_EQ(m_text, "16\n");
 }
 
 TEST_F(HandlerPlacesTest, AFifoInTheFunctionDirectoryAnswersAtOnce) {
