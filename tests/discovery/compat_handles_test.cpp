@@ -14,7 +14,7 @@ namespace dksml::test {
 namespace {
 
 TEST(CompatHandles, OneHandlePerDieOfEachPhysicalDevice) {
-    auto host = Discovered("server"sv);
+    auto host = Discovered("server");
     uint32_t count = 0;
     ASSERT_EQ(dkSmlExDeviceGetCount(&count), DK_SML_EX_SUCCESS);
     EXPECT_EQ(count, 8u);  // DKK6-A and DKK6-PL have two dies each
@@ -48,7 +48,7 @@ TEST(CompatHandles, OneHandlePerDieOfEachPhysicalDevice) {
 }
 
 TEST(CompatHandles, BusIdInAnyWidthFindsTheSameHandle) {
-    auto host = Discovered("server"sv);
+    auto host = Discovered("server");
     DkSmlExDevice longForm = nullptr, shortForm = nullptr;
     ASSERT_EQ(dkSmlExGetDeviceHandleByPciBusId("0000:1e:00.0", &longForm), DK_SML_EX_SUCCESS);
     ASSERT_EQ(dkSmlExGetDeviceHandleByPciBusId("0:1e:0.0", &shortForm), DK_SML_EX_SUCCESS);
@@ -60,7 +60,7 @@ TEST(CompatHandles, BusIdInAnyWidthFindsTheSameHandle) {
 }
 
 TEST(CompatHandles, UuidRoundTripAndBufferRule) {
-    auto host = Discovered("server"sv);
+    auto host = Discovered("server");
     DkSmlExDevice handle = HandleAt(2);
     char uuid[DK_SML_UUID_LENGTH] = {};
     ASSERT_EQ(dkSmlExDeviceGetUUID(handle, uuid, sizeof(uuid)), DK_SML_EX_SUCCESS);
@@ -78,7 +78,7 @@ TEST(CompatHandles, UuidRoundTripAndBufferRule) {
 }
 
 TEST(CompatHandles, HandlesOfAnEarlierPassAreRefused) {
-    auto host = Discovered("server"sv);
+    auto host = Discovered("server");
     DkSmlExDevice old = HandleAt(0);
     char uuid[DK_SML_UUID_LENGTH] = {};
     ASSERT_EQ(dkSmlExDeviceGetUUID(old, uuid, sizeof(uuid)), DK_SML_EX_SUCCESS);

@@ -15,9 +15,6 @@
 
 namespace dksml::test {
 
-// Profile names as string views: a bare literal would also fit the JSON overload.
-using namespace std::string_view_literals;
-
 // A shipped profile's host, discovered as it was written.
 inline std::unique_ptr<vhost::ScopedHost> Discovered(std::string_view profile) {
     auto host = std::make_unique<vhost::ScopedHost>(profile);
