@@ -40,12 +40,6 @@ inline std::string LayoutNodeOf(const vhost::ScopedHost& host, const std::string
     return {};
 }
 
-// Turns a file into a directory: unreadable for root as well.
-inline void MakeUnreadable(const vhost::ScopedHost& host, const std::string& hostPath) {
-    host.Remove(hostPath);
-    host.WriteFile(hostPath + "/placeholder", "");
-}
-
 inline DkSmlDeviceInfo InfoOf(uint32_t index) {
     DkSmlDeviceInfo info{};
     EXPECT_EQ(dkSmlGetDeviceInfo(index, &info), DK_SML_SUCCESS) << "device " << index;

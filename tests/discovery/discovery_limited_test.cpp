@@ -44,7 +44,9 @@ TEST(LimitedDevices, LimitedDeviceIsInactive) {
 
 TEST(LimitedDevices, UnreadablePowerStateFileIsInaccessibleSysfs) {
     vhost::ScopedHost host("server");
-    MakeUnreadable(host, SmiFile("0000:1c:00.0", "pcipowerstate"));
+    // A directory in the file's place: unreadable for root as well.
+    host.Remove(SmiFile("0000:1c:00.0", "pcipowerstate"));
+    host.WriteFile(SmiFile("0000:1c:00.0", "pcipowerstate/placeholder"), "");
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
     EXPECT_EQ(dkSmlGetDeviceCount(), 5u);
     EXPECT_STREQ(InfoOf(1).bdfId, "0000:1e:00.0");  // the rest move up
