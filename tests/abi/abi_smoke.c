@@ -1,8 +1,7 @@
 /* A plain C99 client of the public header, linked to the shared library:
- * the header must compile strictly as C, and the library must load, answer
- * its status texts and initialise on a host without any GPU. */
+ * the header must compile strictly as C, and the library must load and
+ * initialise on a host without any GPU. */
 #include <stdio.h>
-#include <string.h>
 
 #include "dksml.h"
 
@@ -18,13 +17,6 @@ static void Check(int condition, const char *what) {
 int main(void) {
     uint32_t count = 99;
     DkSmlExDevice handle = NULL;
-
-    Check(strcmp(dkSmlGetErrorString(DK_SML_SUCCESS), "Done") == 0, "native text of 0");
-    Check(strcmp(dkSmlGetErrorString((DkSmlReturn)27), "Unknown error") == 0, "native fallback text");
-    Check(strcmp(dkSmlExErrorString(DK_SML_EX_ERROR_UNKNOWN), "An internal driver error occurred") == 0,
-          "compatibility text of 999");
-    Check(dkSmlExErrorString((DkSmlExReturn)27) != NULL && dkSmlExErrorString((DkSmlExReturn)27)[0] == '\0',
-          "compatibility fallback text");
 
     Check(dkSmlInit() == DK_SML_ERROR_NO_DEVICE, "dkSmlInit on an empty host");
     Check(dkSmlGetDeviceCount() == 0, "device count");

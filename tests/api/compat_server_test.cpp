@@ -80,7 +80,11 @@ const std::vector<CompatExport>& CompatExports() {
 
 class CompatServerTest : public ServerSuite {
 protected:
-    void SetUp() override { ASSERT_GT(dkSmlGetDeviceCount(), 0u) << "discovery found no device on the server host"; }
+    void SetUp() override {
+        ASSERT_GT(dkSmlGetDeviceCount(), 0u) << "discovery found no device on the server host";
+        handle = HandleAt(0);
+    }
+    DkSmlExDevice handle = nullptr;  // die 0 of the first device
 };
 
 // Null and forged handles are refused before anything is read, whatever the
@@ -90,19 +94,18 @@ protected:
 TEST_F(CompatServerTest, BadHandlesAndNullOutputsAreInvalidArguments) {
     alignas(16) unsigned char forged[256];
     std::memset(forged, 0xA5, sizeof(forged));
-    const DkSmlExDevice handles[] = {nullptr, reinterpret_cast<DkSmlExDevice>(forged)};
-    const DkSmlExDevice valid = HandleAt(0);
+    const DkSmlExDevice badHandles[] = {nullptr, reinterpret_cast<DkSmlExDevice>(forged)};
     for (const CompatExport& entry : CompatExports()) {
-        for (DkSmlExDevice handle : handles) {
+        for (DkSmlExDevice bad : badHandles) {
             for (bool nullOutputs : {false, true}) {
                 TableOutputs outputs;
-                EXPECT_EQ(entry.call(outputs, handle, nullOutputs), DK_SML_EX_ERROR_INVALID_ARGUMENT)
-                    << entry.name << (handle ? " forged" : " null") << (nullOutputs ? " with null outputs" : "");
+                EXPECT_EQ(entry.call(outputs, bad, nullOutputs), DK_SML_EX_ERROR_INVALID_ARGUMENT)
+                    << entry.name << (bad ? " forged" : " null") << (nullOutputs ? " with null outputs" : "");
             }
         }
         if (!entry.takesPointer) continue;
         TableOutputs outputs;
-        EXPECT_EQ(entry.call(outputs, valid, true), DK_SML_EX_ERROR_INVALID_ARGUMENT) << entry.name << " valid";
+        EXPECT_EQ(entry.call(outputs, handle, true), DK_SML_EX_ERROR_INVALID_ARGUMENT) << entry.name << " valid";
     }
     for (unsigned char byte : forged) ASSERT_EQ(byte, 0xA5);
     EXPECT_EQ(dkSmlExDeviceGetFieldValues(nullptr, 0, nullptr), DK_SML_EX_ERROR_INVALID_ARGUMENT);
@@ -111,7 +114,6 @@ TEST_F(CompatServerTest, BadHandlesAndNullOutputsAreInvalidArguments) {
 // A buffer exactly as long as the name is accepted (the copy loses its last
 // character); one shorter is not.
 TEST_F(CompatServerTest, NameLengthTestIsExact) {
-    const DkSmlExDevice handle = HandleAt(0);
     char name[DK_SML_EX_DEVICE_NAME_BUFFER_SIZE] = {};
     ASSERT_EQ(dkSmlExDeviceGetName(handle, name, sizeof(name)), DK_SML_EX_SUCCESS);
     const std::string full = name;
@@ -127,7 +129,6 @@ TEST_F(CompatServerTest, NameLengthTestIsExact) {
 }
 
 TEST_F(CompatServerTest, FixedAnswers) {
-    const DkSmlExDevice handle = HandleAt(0);
     int32_t major = 0;
     int32_t minor = -1;
     EXPECT_EQ(dkSmlExDeviceGetComputeCapability(handle, &major, &minor), DK_SML_EX_SUCCESS);
@@ -144,17 +145,15 @@ TEST_F(CompatServerTest, FixedAnswers) {
 }
 
 TEST_F(CompatServerTest, P2PStatusRefusesTheUnknownCapability) {
-    const DkSmlExDevice first = HandleAt(0);
     const DkSmlExDevice second = HandleAt(7);  // the last die of the server
     DkSmlExGpuP2PStatus status = DK_SML_EX_P2P_STATUS_UNKNOWN;
-    EXPECT_EQ(dkSmlExDeviceGetP2PStatus(first, second, DK_SML_EX_P2P_CAPS_INDEX_UNKNOWN, &status),
+    EXPECT_EQ(dkSmlExDeviceGetP2PStatus(handle, second, DK_SML_EX_P2P_CAPS_INDEX_UNKNOWN, &status),
               DK_SML_EX_ERROR_INVALID_ARGUMENT);
-    EXPECT_EQ(dkSmlExDeviceGetP2PStatus(first, second, DK_SML_EX_P2P_CAPS_INDEX_WRITE, &status), DK_SML_EX_SUCCESS);
+    EXPECT_EQ(dkSmlExDeviceGetP2PStatus(handle, second, DK_SML_EX_P2P_CAPS_INDEX_WRITE, &status), DK_SML_EX_SUCCESS);
     EXPECT_EQ(status, DK_SML_EX_P2P_STATUS_OK);
 }
 
 TEST_F(CompatServerTest, UnservedSensorsAndKindsAreNotSupported) {
-    const DkSmlExDevice handle = HandleAt(0);
     uint32_t value = 0;
     EXPECT_EQ(dkSmlExDeviceGetTemperature(handle, static_cast<DkSmlExTemperatureSensors>(1), &value),
               DK_SML_EX_ERROR_NOT_SUPPORTED);
@@ -172,7 +171,6 @@ TEST_F(CompatServerTest, UnservedSensorsAndKindsAreNotSupported) {
 // temperature the hot spot in whole degrees (the native reading is in
 // hundredths).
 TEST_F(CompatServerTest, ReadingsAreDieZerosNativeOnes) {
-    const DkSmlExDevice handle = HandleAt(0);
     DkSmlClocksFreqForAll native{};
     ASSERT_EQ(dkSmlGetClocks(0, 0, &native), DK_SML_SUCCESS);
     int32_t hotspot = 0;

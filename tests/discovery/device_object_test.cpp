@@ -17,7 +17,7 @@ std::shared_ptr<IDkDevice> Device(uint32_t index) { return DkSystemManager::GetI
 // The driver's card name (cut to the field), else the board table; a site
 // override names every device.
 TEST(DeviceName, DriverCardNameThenBoardTableThenSiteOverride) {
-    vhost::ScopedHost host("server"sv);
+    vhost::ScopedHost host("server");
     const std::string longName(100, 'n');
     host.WriteFile(SmiFile("0000:1b:00.0", "showcardname"), longName + "\n");
     host.Remove(SmiFile("0000:1c:00.0", "showcardname"));
@@ -39,7 +39,7 @@ TEST(DeviceName, DriverCardNameThenBoardTableThenSiteOverride) {
 
 // Brand: x-series ISA, then the ISA map, then the device id, else unknown.
 TEST(DeviceBrand, IsaVersionOutranksTheDeviceId) {
-    vhost::ScopedHost host("server"sv);
+    vhost::ScopedHost host("server");
     host.WriteFile(SmiFile("0000:1b:00.0", "showisaversion"), "isa version: 5.1\n");  // a DKK6 id
     host.WriteFile(SmiFile("0000:1e:00.0", "showisaversion"), "isa version: 6.2\n");  // a DKK2 id
     host.WriteFile(SmiFile("0000:1c:00.0", "showisaversion"), "isa version: 3.0\n");
@@ -62,7 +62,7 @@ TEST(DeviceBrand, IsaVersionOutranksTheDeviceId) {
 
 // The device object asks the model tables with its own id.
 TEST(DeviceModel, PredicatesFollowTheProductOfEachDevice) {
-    auto host = Discovered("server"sv);
+    auto host = Discovered("server");
     EXPECT_TRUE(Device(0)->IsDkMCM());
     EXPECT_FALSE(Device(1)->IsDkMCM());
     EXPECT_TRUE(Device(100)->IsDkk2());  // the virtual function's id counts as its model
@@ -71,7 +71,7 @@ TEST(DeviceModel, PredicatesFollowTheProductOfEachDevice) {
 }
 
 TEST(DeviceBoardType, HexTextByTheTextRule) {
-    vhost::ScopedHost host("server"sv);
+    vhost::ScopedHost host("server");
     host.WriteFile(SmiFile("0000:1e:00.0", "showboardtype"), "board type: 300\n");
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
     char text[16] = {};
@@ -85,7 +85,7 @@ TEST(DeviceBoardType, HexTextByTheTextRule) {
 }
 
 TEST(DeviceDies, DieIdComesFromTheTopologyFile) {
-    vhost::ScopedHost host("server"sv);
+    vhost::ScopedHost host("server");
     host.WriteFile(SmiFile("0000:1c:00.0", "showtopology"), "1 0\ndie_id: 1\n");
     host.WriteFile(SmiFile("0000:af:00.0", "showtopology"), "3 1\n");
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
@@ -98,7 +98,7 @@ TEST(DeviceDies, DieIdComesFromTheTopologyFile) {
 }
 
 TEST(DeviceState, HostingPhysicalFunctionIsActiveWithoutReading) {
-    auto host = Discovered("server"sv);
+    auto host = Discovered("server");
     host->WriteFile(LayoutNodeOf(*host, "0000:1b:00.0") + "/active", "0\n");
     host->WriteFile(LayoutNodeOf(*host, "0000:1e:00.0") + "/active", "0\n");
     int32_t state = -1;
@@ -118,7 +118,7 @@ TEST(DeviceState, HostingPhysicalFunctionIsActiveWithoutReading) {
 }
 
 TEST(DeviceRealPath, ReportedAsOnARealHost) {
-    auto host = Discovered("server"sv);
+    auto host = Discovered("server");
     char path[256] = {};
     uint32_t size = sizeof(path);
     ASSERT_EQ(dkSmlGetDeviceRealPath(0, path, &size), DK_SML_SUCCESS);
@@ -132,7 +132,7 @@ TEST(DeviceRealPath, ReportedAsOnARealHost) {
 }
 
 TEST(DeviceRenderNodes, CardAndRenderNumbersFromDriByPath) {
-    auto host = Discovered("server"sv);
+    auto host = Discovered("server");
     for (uint32_t index : {0u, 1u, 2u, 100u}) {
         SCOPED_TRACE(index);
         const std::string bdf = Device(index)->GetBdfId();
@@ -151,7 +151,7 @@ std::vector<uint32_t> BoardIds() {
 // The server's 1b and 1c share one board serial; every other PF has its own,
 // and virtual functions have none.
 TEST(DeviceBoard, EqualSerialsOfNeighboursShareABoard) {
-    auto host = Discovered("server"sv);
+    auto host = Discovered("server");
     EXPECT_EQ(BoardIds(), (std::vector<uint32_t>{0, 0, 1, 2, 3, 4, UINT32_MAX}));
     DkBoardInfo board;
     ASSERT_EQ(DkSystemManager::GetInstance().GetDeviceBoardInfo(1, &board), DK_SML_SUCCESS);

@@ -15,9 +15,6 @@
 
 namespace dksml::test {
 
-// Profile names as string views: a bare literal would also fit the JSON overload.
-using namespace std::string_view_literals;
-
 // A shipped profile's host, discovered as it was written.
 inline std::unique_ptr<vhost::ScopedHost> Discovered(std::string_view profile) {
     auto host = std::make_unique<vhost::ScopedHost>(profile);
@@ -41,12 +38,6 @@ inline std::string LayoutNodeOf(const vhost::ScopedHost& host, const std::string
         if (host.ReadFile(node + "/location") == bdf + "\n") return node;
     }
     return {};
-}
-
-// Turns a file into a directory: unreadable for root as well.
-inline void MakeUnreadable(const vhost::ScopedHost& host, const std::string& hostPath) {
-    host.Remove(hostPath);
-    host.WriteFile(hostPath + "/placeholder", "");
 }
 
 inline DkSmlDeviceInfo InfoOf(uint32_t index) {

@@ -6,18 +6,17 @@
 
 #include <gtest/gtest.h>
 
+#include "api/api_host.h"
 #include "core/dk_system_manager.h"
 #include "discovery_host.h"
 
 namespace dksml::test {
 namespace {
 
-const void* HandleValue(uint64_t handle) { return reinterpret_cast<const void*>(static_cast<uintptr_t>(handle)); }
-
 // Which device gets which index, name, brand and die count on each shipped
 // host, and the device counts, are pinned by dksmi's golden transcripts.
 TEST(ServerDiscovery, IdentityComesFromTheLayoutNode) {
-    auto host = Discovered("server"sv);
+    auto host = Discovered("server");
     DkSmlDeviceInfo info = InfoOf(0);
     EXPECT_EQ(info.gpuId, 48651u);
     const std::string node = LayoutNodeOf(*host, "0000:1b:00.0");  // the UUID is in the transcripts
@@ -31,7 +30,7 @@ TEST(ServerDiscovery, IdentityComesFromTheLayoutNode) {
 
 // The lists themselves are pinned by the golden transcripts.
 TEST(ServerDiscovery, LinksVirtualFunctionsToTheirPhysicalFunction) {
-    auto host = Discovered("server"sv);
+    auto host = Discovered("server");
     uint32_t vfs[4] = {};
     uint32_t count = 1;
     EXPECT_EQ(dkSmlGetVirtualDevicesByPhysicalId(2, &count, vfs), DK_SML_ERROR_INSUFFICIENT_SIZE);
@@ -49,7 +48,7 @@ TEST(ServerDiscovery, LinksVirtualFunctionsToTheirPhysicalFunction) {
 // device and die are checked with the compatibility handles), virtual
 // functions their own index.
 TEST(ServerDiscovery, NumbersDiesAcrossDevices) {
-    auto host = Discovered("server"sv);
+    auto host = Discovered("server");
     auto& manager = DkSystemManager::GetInstance();
     EXPECT_EQ(manager.GetDieByVornId(8), nullptr);
     EXPECT_EQ(manager.GetDieByVornId(100), nullptr);  // a virtual function has no compute-stack number
@@ -65,7 +64,7 @@ TEST(ServerDiscovery, NumbersDiesAcrossDevices) {
 }
 
 TEST(ServerDiscovery, FindsDevicesByAnySpellingOfTheirBusId) {
-    auto host = Discovered("server"sv);
+    auto host = Discovered("server");
     auto& manager = DkSystemManager::GetInstance();
     const struct {
         const char* text;
@@ -86,43 +85,46 @@ TEST(ServerDiscovery, FindsDevicesByAnySpellingOfTheirBusId) {
     }
 }
 
+// Compatibility handles of an earlier pass are refused, even of a device that
+// is still there (1c's die); a plain init keeps them.
 TEST(ServerDiscovery, RediscoveryRenumbersAndInvalidatesHandles) {
-    auto host = Discovered("server"sv);
+    auto host = Discovered("server");
     auto& manager = DkSystemManager::GetInstance();
-    ASSERT_NE(manager.GetDieByVornId(0), nullptr);
-    const void* oldHandle = HandleValue(manager.GetDieByVornId(0)->handle);
+    const DkSmlExDevice oldHandle = HandleAt(2);
+    char uuid[DK_SML_UUID_LENGTH] = {};
 
     host->Remove(DevicePath("0000:1b:00.0"));
     EXPECT_EQ(dkSmlInit(), DK_SML_SUCCESS);  // flags 0: no new pass
     EXPECT_EQ(dkSmlGetDeviceCount(), 6u);
-    EXPECT_NE(manager.FindDieByHandle(oldHandle), nullptr);
+    EXPECT_EQ(dkSmlExDeviceGetUUID(oldHandle, uuid, sizeof(uuid)), DK_SML_EX_SUCCESS);
 
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
     EXPECT_EQ(dkSmlGetDeviceCount(), 5u);
-    EXPECT_EQ(manager.FindDieByHandle(oldHandle), nullptr);
+    EXPECT_EQ(dkSmlExDeviceGetUUID(oldHandle, uuid, sizeof(uuid)), DK_SML_EX_ERROR_INVALID_ARGUMENT);
     EXPECT_STREQ(InfoOf(0).bdfId, "0000:1c:00.0");
     EXPECT_STREQ(InfoOf(100).bdfId, "0000:1e:00.1");
     EXPECT_EQ(LimitedIndices(), std::vector<uint32_t>{5});
     const DkDieInfo* first = manager.GetDieByVornId(0);
     ASSERT_NE(first, nullptr);
     EXPECT_EQ(first->device->GetBdfId(), "0000:1c:00.0");
+    EXPECT_EQ(manager.FindDieByHandle(HandleAt(0)), first);
     EXPECT_EQ(manager.GetDieByVornId(6), nullptr);  // 1b took its two dies with it
 }
 
 // A guest sees only virtual functions: they have die records but no
 // compute-stack number.
 TEST(GuestDiscovery, VirtualFunctionsHaveNoComputeStackNumber) {
-    auto host = Discovered("guest"sv);
+    auto host = Discovered("guest");
     EXPECT_EQ(DkSystemManager::GetInstance().GetDieByVornId(0), nullptr);
     EXPECT_NE(DkSystemManager::GetInstance().GetDieBySmlId(101), nullptr);
 }
 
 TEST(EmptyDiscovery, FindsNothingAndStaysUninitialised) {
     {
-        vhost::ScopedHost server("server"sv);
+        vhost::ScopedHost server("server");
         ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
     }
-    vhost::ScopedHost host("empty"sv);
+    vhost::ScopedHost host("empty");
     EXPECT_EQ(dkSmlInitWithFlags(1), DK_SML_ERROR_NO_DEVICE);
     EXPECT_EQ(dkSmlGetDeviceCount(), 0u);
     EXPECT_EQ(dkSmlGetPfDeviceCount(), 0u);
@@ -137,7 +139,7 @@ TEST(EmptyDiscovery, FindsNothingAndStaysUninitialised) {
 }
 
 TEST(VendorOverride, AcceptsOnlyTheConfiguredVendor) {
-    vhost::ScopedHost host("server"sv);
+    vhost::ScopedHost host("server");
     host.WriteFile("/opt/smi/etc/vendorid", "0x1e28\n");  // the partner board only
     ASSERT_EQ(dkSmlInitWithFlags(1), DK_SML_SUCCESS);
     EXPECT_EQ(dkSmlGetDeviceCount(), 1u);

@@ -40,7 +40,7 @@ TEST(NetworkInterfaces, NeedTheConfiguredVendorAndRdma) {
         {nullptr, "1\n", 0},
         {"garbage", "1\n", 0},
     };
-    vhost::ScopedHost host("server"sv);
+    vhost::ScopedHost host("server");
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.vendorEnv ? c.vendorEnv : "(unset)") + " / " + (c.roceEnable ? c.roceEnable : "-"));
         host.Remove(DevicePath(c_nic, "/roce_enable"));
@@ -52,7 +52,7 @@ TEST(NetworkInterfaces, NeedTheConfiguredVendorAndRdma) {
 }
 
 TEST(NetworkInterfaces, InfinibandPortsAndGpusWithInfiniband) {
-    vhost::ScopedHost host("server"sv);
+    vhost::ScopedHost host("server");
     SetNicVendor("0x15b3");
     host.WriteFile(DevicePath(c_nic, "/infiniband/mlx5_0/ports"), "1\n");
     host.WriteFile(DevicePath("0000:1c:00.0", "/infiniband/dkib0/ports"), "1\n");
