@@ -137,22 +137,16 @@ TEST_F(UtilizationService, SamplingSwitch) {
     EXPECT_EQ(service.SetApUsageToggle(&device, true), DK_SML_ERROR_NOT_SUPPORTED);
 }
 
-TEST_F(UtilizationService, MemoryAddsTheFirstTwoPoolsOverDies) {
+// The sums over dies (vram and visible vram; gtt is die 0's alone) are pinned
+// by the server's golden --json transcript, whose two-die devices tell a sum
+// from one die's value in every pool; a missing line is here.
+TEST_F(UtilizationService, MemoryFailsOnAMissingLineAfterFillingTheOthers) {
     device.dieCount = 2;
     device.Serve(0, DRAVIK_SMI_SHOWMEMINFO, "vram total: 100\nvis total: 10\ngtt total: 1000\n");
     device.Serve(0, DRAVIK_SMI_SHOWMEMUSE, "vram used: 40\nvis used: 4\ngtt used: 400\n");
     device.Serve(1, DRAVIK_SMI_SHOWMEMINFO, "vram total: 200\nvis total: 20\ngtt total: 2000\n");
-    device.Serve(1, DRAVIK_SMI_SHOWMEMUSE, "vram used: 50\nvis used: 5\ngtt used: 500\n");
-    DkSmlMemoryInfo info{};
-    ASSERT_EQ(service.GetMemoryInfo(&device, &info), DK_SML_SUCCESS);
-    EXPECT_EQ(info.pool[0].total, 300u);
-    EXPECT_EQ(info.pool[0].used, 90u);
-    EXPECT_EQ(info.pool[1].total, 30u);
-    EXPECT_EQ(info.pool[1].used, 9u);
-    EXPECT_EQ(info.pool[2].total, 1000u);  // die 0's alone
-    EXPECT_EQ(info.pool[2].used, 400u);
-
     device.Serve(1, DRAVIK_SMI_SHOWMEMUSE, "vram used: 50\nvis used: 5\n");
+    DkSmlMemoryInfo info{};
     EXPECT_EQ(service.GetDieMemoryInfo(&device, 1, &info), DK_SML_ERROR_SYSFS);
     EXPECT_EQ(info.pool[0].used, 50u);  // filled before the missing line
     EXPECT_EQ(info.pool[1].used, 5u);
