@@ -123,13 +123,11 @@ class ServerHostTest(unittest.TestCase):
         self.assertEqual(len(lines) - len(shown), len(expected["limited_devices"]))
 
     def test_topology_and_affinity(self) -> None:
-        count = api.device_count()
-        for index in range(count):
+        """The whole matrix and the affinities are pinned by dksmi's golden topo transcripts."""
+        for index in range(api.device_count()):
             self.assertEqual(api.topology(index, index), dksml.TopologyLevel.SAME_DEVICE)
             self.assertTrue(api.cpu_affinity(index))
             self.assertTrue(api.node_affinity(index))
-        levels = {api.topology(a, b) for a in range(count) for b in range(count) if a != b}
-        self.assertNotIn(dksml.TopologyLevel.SAME_DEVICE, levels)
 
     def test_compatibility_readings_agree_with_the_native_ones(self) -> None:
         api.ex_init()
