@@ -23,16 +23,6 @@ from dksml import api  # noqa: E402
 DKSMI = os.environ.get("DKSMI", "dksmi")
 DKVHOST = os.environ.get("DKVHOST", "dkvhost")
 
-# No native export answers the power mode (dksmi reads it through the
-# library's power service): the one key of dksmi's device object the module
-# cannot give.
-NO_EXPORT_KEYS = ("power_mode",)
-
-
-def without_unexported(devices: list[dict[str, Any]]) -> list[dict[str, Any]]:
-    return [{k: v for k, v in d.items() if k not in NO_EXPORT_KEYS} for d in devices]
-
-
 def process_rows(processes: list[dksml.Process]) -> list[dict[str, Any]]:
     """The records in the shape of dksmi's process list (less the namespace pid, which no record carries)."""
     return [{"pid": p.pid, "name": p.name,
@@ -68,35 +58,34 @@ class SnapshotTest(unittest.TestCase):
         """Device snapshots (keys in dksmi's order), limited devices and processes."""
         for profile in ("server", "guest", "slices"):
             host = VirtualHost(profile)
-            try:
-                with self.subTest(profile=profile):
-                    self.assertEqual(host.status, dksml.Return.SUCCESS)
-                    expected = host.dksmi_json()
-                    got = [list(d.snapshot().items()) for d in dksml.devices()]
-                    self.assertEqual(got, [list(d.items()) for d in without_unexported(expected["devices"])])
-                    limited = []
-                    for d in dksml.limited_devices():
-                        reason = api.unavailable_reason(d.index)
-                        limited.append({"index": d.index, "bus_id": d.bus_id, "vendor_id": d.vendor_id,
-                                        "device_id": d.device_id, "is_virtual_function": d.is_virtual_function,
-                                        "unavailable_reason": {"code": reason.reason, "text": reason.text}})
-                    self.assertEqual(limited, expected["limited_devices"])
-                    shown = [{k: v for k, v in p.items() if k != "namespace_pid"} for p in expected["processes"]]
-                    self.assertEqual(process_rows(api.processes()), shown)
-            finally:
-                host.close()
+            self.addCleanup(host.close)
+            with self.subTest(profile=profile):
+                self.assertEqual(host.status, dksml.Return.SUCCESS)
+                expected = host.dksmi_json()
+                got = [list(d.snapshot().items()) for d in dksml.devices()]
+                # No native export answers the power mode (dksmi reads it through the
+                # library's power service): the one key of dksmi's device object the module cannot give.
+                devices = [[(k, v) for k, v in d.items() if k != "power_mode"] for d in expected["devices"]]
+                self.assertEqual(got, devices)
+                limited = []
+                for d in dksml.limited_devices():
+                    reason = api.unavailable_reason(d.index)
+                    limited.append({"index": d.index, "bus_id": d.bus_id, "vendor_id": d.vendor_id,
+                                    "device_id": d.device_id, "is_virtual_function": d.is_virtual_function,
+                                    "unavailable_reason": {"code": reason.reason, "text": reason.text}})
+                self.assertEqual(limited, expected["limited_devices"])
+                shown = [{k: v for k, v in p.items() if k != "namespace_pid"} for p in expected["processes"]]
+                self.assertEqual(process_rows(api.processes()), shown)
 
     def test_a_host_without_gpus_reports_no_device(self) -> None:
         host = VirtualHost("empty")
-        try:
-            self.assertEqual(host.status, dksml.Return.ERROR_NO_DEVICE)
-            with self.assertRaises(dksml.DkSmlError) as none:
-                api.init(1)
-            self.assertEqual(none.exception.code, 2)
-            with self.assertRaises(dksml.DkSmlError):
-                list(dksml.devices())
-        finally:
-            host.close()
+        self.addCleanup(host.close)
+        self.assertEqual(host.status, dksml.Return.ERROR_NO_DEVICE)
+        with self.assertRaises(dksml.DkSmlError) as none:
+            api.init(1)
+        self.assertEqual(none.exception.code, 2)
+        with self.assertRaises(dksml.DkSmlError):
+            list(dksml.devices())
 
 
 class ServerHostTest(unittest.TestCase):
@@ -105,10 +94,7 @@ class ServerHostTest(unittest.TestCase):
     @classmethod
     def setUpClass(cls) -> None:
         cls.host = VirtualHost("server")
-
-    @classmethod
-    def tearDownClass(cls) -> None:
-        cls.host.close()
+        cls.addClassCleanup(cls.host.close)
 
     def test_readings_outside_the_snapshot_match_the_attribute_files(self) -> None:
         """Dies, fans and the virtual-function links are in the snapshots compared above."""
@@ -137,13 +123,11 @@ class ServerHostTest(unittest.TestCase):
         self.assertEqual(len(lines) - len(shown), len(expected["limited_devices"]))
 
     def test_topology_and_affinity(self) -> None:
-        count = api.device_count()
-        for index in range(count):
+        """The whole matrix and the affinities are pinned by dksmi's golden topo transcripts."""
+        for index in range(api.device_count()):
             self.assertEqual(api.topology(index, index), dksml.TopologyLevel.SAME_DEVICE)
             self.assertTrue(api.cpu_affinity(index))
             self.assertTrue(api.node_affinity(index))
-        levels = {api.topology(a, b) for a in range(count) for b in range(count) if a != b}
-        self.assertNotIn(dksml.TopologyLevel.SAME_DEVICE, levels)
 
     def test_compatibility_readings_agree_with_the_native_ones(self) -> None:
         api.ex_init()

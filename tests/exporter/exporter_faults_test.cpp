@@ -30,10 +30,6 @@ protected:
     static double Errors(const std::vector<Sample>& samples, const std::string& family) {
         return ValueOf(samples, "dksml_exporter_collect_errors_total", {{"family", family}}).value_or(-1);
     }
-    static std::string BusIdOf(const std::vector<Sample>& samples, const std::string& gpu) {
-        const std::vector<Sample> info = Select(samples, "dksml_gpu_info", {{"gpu", gpu}});
-        return info.size() == 1 ? info[0].labels.at("bus_id") : "";
-    }
 };
 
 struct BadFile {
@@ -58,9 +54,9 @@ TEST_F(ExporterFaults, ABadAttributeFileRemovesOnlyItsSeriesAndCountsAnError) {
         ExporterProcess exporter;
         ASSERT_GT(exporter.Port(), 0);
         const std::vector<Sample> before = ScrapeOk(exporter);
-        const std::string busId = BusIdOf(before, "0");
-        ASSERT_FALSE(busId.empty());
-        const std::string path = "/sys/bus/pci/devices/" + busId + "/smi1/" + bad.file;
+        const std::vector<Sample> info = Select(before, "dksml_gpu_info", {{"gpu", "0"}});
+        ASSERT_EQ(info.size(), 1u);
+        const std::string path = "/sys/bus/pci/devices/" + info[0].labels.at("bus_id") + "/smi1/" + bad.file;
         ASSERT_FALSE(host.ReadFile(path).empty());
         if (bad.content)
             host.WriteFile(path, bad.content);

@@ -11,6 +11,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <regex>
 #include <sstream>
 #include <thread>
 
@@ -137,36 +138,21 @@ ExporterProcess::ExporterProcess(const std::vector<std::string>& extraArguments)
     if (!line.empty()) m_port = std::atoi(line.c_str() + line.rfind(' ') + 1);
 }
 
+// Sample lines are `name{label="value",...} number`. Escaped label text (\\,
+// \", \n) is kept as written: no value of the shipped hosts has any, and one
+// that did would differ from the expected text: a failure, never a false pass.
 std::vector<Sample> ParseExposition(const std::string& page) {
+    static const std::regex sampleLine(R"(([a-zA-Z_:][\w:]*)(?:\{(.*)\})? (\S+))");
+    static const std::regex labelPair(R"re((\w+)="((?:[^"\\]|\\.)*)")re");
     std::vector<Sample> samples;
     std::istringstream lines(page);
     for (std::string line; std::getline(lines, line);) {
-        if (line.empty() || line[0] == '#') continue;
-        Sample sample;
-        size_t valueStart = line.find(' ');
-        const size_t brace = line.find('{');
-        if (brace != std::string::npos && brace < valueStart) {
-            sample.name = line.substr(0, brace);
-            size_t at = brace + 1;
-            while (at < line.size() && line[at] != '}') {
-                const size_t eq = line.find("=\"", at);
-                if (eq == std::string::npos) break;
-                std::string value;
-                size_t v = eq + 2;
-                for (; v < line.size() && line[v] != '"'; ++v) {
-                    if (line[v] == '\\' && v + 1 < line.size()) ++v;
-                    value += line[v];
-                }
-                sample.labels[line.substr(at, eq - at)] = value;
-                at = v + 1;
-                if (at < line.size() && line[at] == ',') ++at;
-            }
-            valueStart = line.find(' ', at);
-        } else {
-            sample.name = line.substr(0, valueStart);
-        }
-        if (valueStart == std::string::npos) continue;
-        sample.value = std::strtod(line.c_str() + valueStart + 1, nullptr);
+        std::smatch parts;
+        if (!std::regex_match(line, parts, sampleLine)) continue;
+        Sample sample{parts[1], {}, std::strtod(parts[3].str().c_str(), nullptr)};
+        const std::string labels = parts[2];
+        for (std::sregex_iterator pair(labels.begin(), labels.end(), labelPair), end; pair != end; ++pair)
+            sample.labels[(*pair)[1]] = (*pair)[2];
         samples.push_back(std::move(sample));
     }
     return samples;

@@ -48,7 +48,6 @@ public:
     void Signal(int signal) const;
     // Exit status after SIGTERM (-1 when it had to be killed).
     int Stop(std::chrono::milliseconds grace = std::chrono::seconds(5));
-    pid_t Pid() const { return m_pid; }
 
 private:
     pid_t m_pid = -1;

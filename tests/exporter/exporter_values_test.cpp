@@ -39,23 +39,18 @@ protected:
         EXPECT_EQ(*value, expected.get<double>()) << name << " " << json(labels).dump();
     }
 
-    // One series per element of `list`, told apart by `label`.
-    void ExpectList(const std::string& name, const Labels& labels, const json& list, const std::string& label) {
-        if (!list.is_array()) return;
-        for (size_t i = 0; i < list.size(); ++i) {
+    // One series per leaf of `value`: each level of arrays or objects below it
+    // adds one label, named by the next of `levels`, holding the index or key.
+    void ExpectNested(const std::string& name, const Labels& labels, const json& value,
+                      std::vector<std::string> levels) {
+        if (levels.empty()) return ExpectValue(name, labels, value);
+        if (!value.is_structured()) return;
+        const std::string label = levels.front();
+        levels.erase(levels.begin());
+        for (const auto& [key, item] : value.items()) {
             Labels l = labels;
-            l[label] = std::to_string(i);
-            ExpectValue(name, l, list[i]);
-        }
-    }
-    // One series per cell of a table of rows.
-    void ExpectTable(const std::string& name, const Labels& labels, const json& rows, const std::string& rowLabel,
-                     const std::string& cellLabel) {
-        if (!rows.is_array()) return;
-        for (size_t r = 0; r < rows.size(); ++r) {
-            Labels l = labels;
-            l[rowLabel] = std::to_string(r);
-            ExpectList(name, l, rows[r], cellLabel);
+            l[label] = key;
+            ExpectNested(name, l, item, levels);
         }
     }
     static std::string TextOrEmpty(const json& value) { return value.is_null() ? "" : value.get<std::string>(); }
@@ -80,12 +75,12 @@ protected:
             l["state_text"] = links["state_text"];
             ExpectValue("dksml_interconnect_state", l, links["state"]);
         }
-        ExpectList("dksml_interconnect_port_state", gpu, links["port_states"], "port");
+        ExpectNested("dksml_interconnect_port_state", gpu, links["port_states"], {"port"});
         for (const char* direction : {"inbound", "outbound"}) {
             Labels l = gpu;
             l["direction"] = direction;
-            ExpectTable("dksml_interconnect_bandwidth", l, links[std::string("bandwidth_") + direction], "link",
-                        "value");
+            ExpectNested("dksml_interconnect_bandwidth", l, links[std::string("bandwidth_") + direction],
+                         {"link", "value"});
         }
     }
     void ExpectVersions(const Labels& gpu, const json& versions) {
@@ -117,26 +112,16 @@ protected:
             EXPECT_EQ(ValueOf(m_samples, "dksml_clock_throttle_reason_active", l).has_value(), ((mask >> bit) & 1) != 0)
                 << json(l).dump();
         }
-        for (const auto& [ip, level] : die["performance_levels"].items()) {
-            for (const char* kind : {"current", "max"}) {
-                Labels l = d;
-                l.insert({{"ip", ip}, {"kind", kind}});
-                ExpectValue("dksml_perf_level", l, level[kind]);
-            }
-        }
-        for (const auto& [ip, values] : die["clocks_mhz"].items()) {
-            Labels l = d;
-            l["ip"] = ip;
-            ExpectList("dksml_clock_megahertz", l, values, "domain");
-        }
+        ExpectNested("dksml_perf_level", d, die["performance_levels"], {"ip", "kind"});
+        ExpectNested("dksml_clock_megahertz", d, die["clocks_mhz"], {"ip", "domain"});
         for (const auto& [sensor, value] : die["temperatures_c"].items()) {
             Labels l = d;
             if (sensor != "hot_limit") l["sensor"] = sensor;
             ExpectValue(sensor == "hot_limit" ? "dksml_temperature_limit_celsius" : "dksml_temperature_celsius", l,
                         value);
         }
-        ExpectTable("dksml_temperature_sensor_celsius", d, die["sensor_table_c"], "row", "slot");
-        ExpectTable("dksml_voltage_monitor_raw", d, die["voltage_monitor_raw"], "row", "slot");
+        ExpectNested("dksml_temperature_sensor_celsius", d, die["sensor_table_c"], {"row", "slot"});
+        ExpectNested("dksml_voltage_monitor_raw", d, die["voltage_monitor_raw"], {"row", "slot"});
     }
 
     ScopedHost m_host{"server"};

@@ -38,18 +38,16 @@ struct ServerDevice {
     const char* bdf;
     uint32_t index;
 };
-constexpr ServerDevice c_twoDie{"0000:1b:00.0", 0};     // DKK6-A, two dies, reports its two-device board
-constexpr ServerDevice c_hostOfVfs{"0000:1e:00.0", 2};  // DKK2, brand 2, hosts two VFs
-constexpr ServerDevice c_vf{"0000:1e:00.1", 100};
+constexpr ServerDevice c_twoDie{"0000:1b:00.0", 0};       // DKK6-A, two dies, reports its two-device board
+constexpr ServerDevice c_vf{"0000:1e:00.1", 100};         // of the DKK2 at 0000:1e:00.0
 constexpr ServerDevice c_boardSecond{"0000:1c:00.0", 1};  // DKK6-AL on the same board
 
-// The values are in the golden transcripts; the refusals are not.
+// The values are in the golden transcripts; the refusals are not (the memory
+// of a device hosting VFs is refused in the Python tests).
 TEST_F(PowerServer, PmbusRefusesAnAbsentRailAndVfs) {
     DkSmlPmbusInfo info{};
     EXPECT_EQ(dkSmlGetPmbusInfo(c_twoDie.index, DK_SML_PMBUS_UNIT_PCIE2, &info), DK_SML_ERROR_NOT_SUPPORTED);
     EXPECT_EQ(dkSmlGetPmbusInfo(c_vf.index, DK_SML_PMBUS_UNIT_SOC, &info), DK_SML_ERROR_NOT_SUPPORTED);
-    DkSmlMemoryInfo memory{};
-    EXPECT_EQ(dkSmlGetMemoryInfo(c_hostOfVfs.index, &memory), DK_SML_ERROR_NOT_SUPPORTED);
 }
 
 // The second device of a two-device board has no board monitor: its readings

@@ -1,5 +1,6 @@
 // Client directories the scan must survive: odd names, garbage files, missing
 // pieces, dangling descriptors and a process that exits mid-scan.
+#include <algorithm>
 #include <filesystem>
 #include <string>
 
@@ -18,15 +19,18 @@ protected:
     void Client(const std::string& pid, const std::string& file, const std::string& text) {
         host->WriteFile(c_clients + pid + "/" + file, text);
     }
-    std::vector<DkSmlProcessInfo_v3> Scan(bool includeAll, uint32_t& count) {
+    // The records of one scan over every GPU (room for 16).
+    std::vector<DkSmlProcessInfo_v3> Scan(bool includeAll) {
         std::vector<DkSmlProcessInfo_v3> records(16);
+        uint32_t count = 0;
         EXPECT_EQ(Processes().GetProcessInfo_v3(records.data(), 16, &count, DK_SML_ALL_GPUS, includeAll),
                   DK_SML_SUCCESS);
+        records.resize(std::min<uint32_t>(count, 16));
         return records;
     }
-    const DkSmlProcessInfo_v3* Find(const std::vector<DkSmlProcessInfo_v3>& records, uint32_t count, uint32_t pid) {
-        for (uint32_t i = 0; i < count; ++i)
-            if (records[i].pid == pid) return &records[i];
+    static const DkSmlProcessInfo_v3* Find(const std::vector<DkSmlProcessInfo_v3>& records, uint32_t pid) {
+        for (const DkSmlProcessInfo_v3& record : records)
+            if (record.pid == pid) return &record;
         return nullptr;
     }
 };
@@ -36,9 +40,7 @@ TEST_F(BadClients, DirectoriesThatAreNoPidAreIgnored) {
         Client(name, "vram_48651", "999999999999\n");
         Client(name, "name", "bogus\n");
     }
-    uint32_t count = 0;
-    Scan(false, count);
-    EXPECT_EQ(count, 3u);
+    EXPECT_EQ(Scan(false).size(), 3u);
 }
 
 TEST_F(BadClients, GarbageFilesGiveDefinedValues) {
@@ -52,16 +54,15 @@ TEST_F(BadClients, GarbageFilesGiveDefinedValues) {
     Client("9001", "ringbuf/0/gpuid", "48651\n");             // no "type": not a compute ring
     Client("9002", "vram_48651", "68719476736\n");            // no "name", no "nspid"
     Client("9003", "vram_77", "68719476736\n");               // a GPU id discovery does not know
-    uint32_t count = 0;
-    auto records = Scan(false, count);
-    EXPECT_EQ(Find(records, count, 9001), nullptr);  // 0 bytes, no ring buffer: idle
-    EXPECT_EQ(Find(records, count, 9003), nullptr);
-    const DkSmlProcessInfo_v3* noName = Find(records, count, 9002);
+    auto records = Scan(false);
+    EXPECT_EQ(Find(records, 9001), nullptr);  // 0 bytes, no ring buffer: idle
+    EXPECT_EQ(Find(records, 9003), nullptr);
+    const DkSmlProcessInfo_v3* noName = Find(records, 9002);
     ASSERT_NE(noName, nullptr);
     EXPECT_STREQ(noName->processName, "N/A");
 
-    records = Scan(true, count);
-    const DkSmlProcessInfo_v3* garbage = Find(records, count, 9001);
+    records = Scan(true);
+    const DkSmlProcessInfo_v3* garbage = Find(records, 9001);
     ASSERT_NE(garbage, nullptr);
     EXPECT_STREQ(garbage->processName, "");
     ASSERT_EQ(garbage->gpuCount, 1u);
@@ -72,9 +73,8 @@ TEST_F(BadClients, GarbageFilesGiveDefinedValues) {
 TEST_F(BadClients, LongNamesAreCutToTheField) {
     Client("9004", "name", std::string(200, 'n') + "\n");
     Client("9004", "vram_48651", "68719476736\n");
-    uint32_t count = 0;
-    auto records = Scan(false, count);
-    const DkSmlProcessInfo_v3* record = Find(records, count, 9004);
+    auto records = Scan(false);
+    const DkSmlProcessInfo_v3* record = Find(records, 9004);
     ASSERT_NE(record, nullptr);
     EXPECT_EQ(std::string(record->processName, sizeof(record->processName)), std::string(64, 'n'));
     EXPECT_EQ(record->gpuCount, 1u);  // the next field is intact
@@ -84,10 +84,9 @@ TEST_F(BadClients, DanglingDescriptorsHoldNothing) {
     std::filesystem::create_directories(host->Path("/proc/9100/fd"));
     std::filesystem::create_symlink("/nowhere/at/all", host->Path("/proc/9100/fd/3"));
     std::filesystem::create_symlink("../../../dev/null-missing", host->Path("/proc/9100/fd/4"));
-    uint32_t count = 0;
-    auto records = Scan(true, count);
-    EXPECT_EQ(Find(records, count, 9100), nullptr);
-    EXPECT_NE(Find(records, count, c_monitorPid), nullptr);
+    auto records = Scan(true);
+    EXPECT_EQ(Find(records, 9100), nullptr);
+    EXPECT_NE(Find(records, c_monitorPid), nullptr);
 }
 
 // Removes one client's directory after the listing, as when the process exits.

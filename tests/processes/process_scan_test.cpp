@@ -1,7 +1,6 @@
 // The process scan end to end through the exported functions on the "slices"
 // host: which clients qualify, their entries, the record versions and the
 // capacity rules.
-#include <cstring>
 #include <string>
 
 #include "process_host.h"
@@ -23,21 +22,6 @@ TEST_F(SlicesHost, CountingScanAndRecordsLeaveOutIdleClientsAndNodeHolders) {
     ASSERT_EQ(dkSmlGetProcessInfo_v3(4, records.data()), DK_SML_SUCCESS);
     EXPECT_THAT(PidsOf(records.data(), 4), ElementsAre(c_trainPid, c_containerPid, c_widePid, 0u));
     EXPECT_EQ(records[0].gpuInfo[2].sgpuId, -1);  // unused entries keep the fresh value
-}
-
-// The pids, memory, domains and slices of the older versions are compared with
-// the newest in python/tests/test_families.py; names and bus ids here.
-TEST_F(SlicesHost, OlderRecordVersionsCopyNamesAndBusIds) {
-    std::vector<DkSmlProcessInfo_v3> v3(3);
-    std::vector<DkSmlProcessInfo_v2> v2(3);
-    std::vector<DkSmlProcessInfo> v1(3);
-    ASSERT_EQ(dkSmlGetProcessInfo_v3(3, v3.data()), DK_SML_SUCCESS);
-    ASSERT_EQ(dkSmlGetProcessInfo_v2(3, v2.data()), DK_SML_SUCCESS);
-    ASSERT_EQ(dkSmlGetProcessInfo(3, v1.data()), DK_SML_SUCCESS);
-    for (size_t i = 0; i < 3; ++i) {
-        EXPECT_EQ(0, std::memcmp(v2[i].processName, v3[i].processName, sizeof(v3[i].processName)));
-        for (uint32_t e = 0; e < v3[i].gpuCount; ++e) EXPECT_STREQ(v1[i].gpuInfo[e].bdf, v3[i].gpuInfo[e].bdf);
-    }
 }
 
 TEST_F(SlicesHost, FullRecordsStillCountInTheAllGpuScanOnly) {
