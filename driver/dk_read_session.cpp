@@ -10,6 +10,8 @@ thread_local DkReadSession* t_session = nullptr;
 
 // Slots of the first table: room for the records of a few devices.
 constexpr std::size_t c_firstSlots = 512;
+// Room for the texts of those records (most are under 100 bytes).
+constexpr std::size_t c_firstTextBytes = 16384;
 
 // Mixes the key's parts; the low bits pick the slot.
 std::size_t Hash(const void* owner, unsigned int die, int op) {
@@ -56,6 +58,10 @@ std::size_t DkReadSession::Find(const void* owner, unsigned int die, int op) con
 std::size_t DkReadSession::Insert(const Record& record) {
     // At most half full, so that a probe for an absent key ends soon.
     if ((m_records.size() + 1) * 2 > m_slots.size()) {
+        if (m_slots.empty()) {
+            m_records.reserve(c_firstSlots / 2);
+            m_texts.reserve(c_firstTextBytes);
+        }
         m_slots.assign(m_slots.empty() ? c_firstSlots : m_slots.size() * 2, 0);
         for (std::size_t i = 0; i < m_records.size(); ++i) Place(m_records[i], i);
     }
