@@ -96,7 +96,16 @@ void DkDevice::OpenDirectories() {
     if (!m_nodePath.empty())
         dirs->node = m_adopted.node.IsOpen() ? std::move(m_adopted.node) : m_root->OpenDir(m_nodePath);
     m_adopted = DkDiscoveredDirs{};
+    // All opened before any is released, so that each one's presence is known;
+    // the die directories first, since every telemetry query reads them.
+    for (DkDirFd* dir : {&dirs->smi0, &dirs->smi1, &dirs->node, &dirs->function}) dir->KeepOrRelease();
     m_dirs = std::move(dirs);
+}
+
+DkSmlReturn DkDevice::ReadSmiFile(const char* name, std::string& text) const {
+    if (m_dirs->smi0.IsOpen()) return ReadFileTextAt(m_dirs->smi0.Get(), name, text);
+    if (!m_dirs->smi0.IsPresent()) return DK_SML_ERROR_NOT_SUPPORTED;
+    return ReadFileText(GetSmiPath(0) + name, text);
 }
 
 std::shared_ptr<const DkDeviceDirs> DkDevice::GetDeviceDirs() const { return m_dirs; }
@@ -224,7 +233,7 @@ IDkDevice* DkDevice::GetPfAncestor() const { return m_pfAncestor.lock().get(); }
 
 void DkDevice::SetDieCount() {
     if (!m_dirs) OpenDirectories();
-    m_dieCount = m_dirs->smi1.IsOpen() ? 2 : 1;
+    m_dieCount = m_dirs->smi1.IsPresent() ? 2 : 1;
 }
 uint32_t DkDevice::GetDieCount() const { return m_dieCount; }
 uint32_t DkDevice::GetDieId() const { return m_dieId; }
@@ -233,8 +242,7 @@ DkSmlReturn DkDevice::SetDieId() {
     if (IsVf()) return DK_SML_ERROR_NOT_SUPPORTED;
     if (!m_dirs) OpenDirectories();
     std::string text;
-    if (!m_dirs->smi0.IsOpen() || ReadFileTextAt(m_dirs->smi0.Get(), c_topologyFile, text) != DK_SML_SUCCESS)
-        return DK_SML_ERROR_SYSFS;
+    if (ReadSmiFile(c_topologyFile, text) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
     std::string_view value;
     unsigned int dieId = 0;
     if (!FindValueOfKey(text, c_dieIdKey, value) || !stoui_nt(value, dieId)) return DK_SML_ERROR_SYSFS;
@@ -297,7 +305,7 @@ void DkDevice::SetDeviceName() {
     if (!m_dirs) OpenDirectories();
     std::string text;
     std::string_view line;
-    if (ReadFileTextAt(m_dirs->smi0.Get(), c_cardNameFile, text) == DK_SML_SUCCESS && DkTextLines(text).Next(line))
+    if (ReadSmiFile(c_cardNameFile, text) == DK_SML_SUCCESS && DkTextLines(text).Next(line))
         m_name = TrimView(line, " \t\r");
     else
         m_name.clear();

@@ -117,6 +117,8 @@ private:
     void ReadBoardType();
     // Opens the device, smi and node directories once, relative to the root.
     void OpenDirectories();
+    // A file of die 0's "smi/" directory, through the kept descriptor or by path.
+    DkSmlReturn ReadSmiFile(const char* name, std::string& text) const;
 
     std::shared_ptr<const DkHostRoot> m_root;
     std::shared_ptr<const DkDeviceDirs> m_dirs;  // shared with the handler

@@ -74,7 +74,11 @@ void DkSystemManager::ConnectPfAndVfDevice() {
         std::shared_ptr<IDkDevice> pf = pfIt->second;
         const std::shared_ptr<const DkDeviceDirs> dirs = pf->GetDeviceDirs();
         std::string text;
-        if (!dirs || ReadFileTextAt(dirs->function.Get(), c_gpuvfFile, text) != DK_SML_SUCCESS) continue;
+        if (!dirs) continue;
+        const DkSmlReturn read = dirs->function.IsOpen() || !dirs->function.IsPresent()
+                                     ? ReadFileTextAt(dirs->function.Get(), c_gpuvfFile, text)
+                                     : ReadFileText(HostPath(pf->GetDeviceDir()) + "/" + c_gpuvfFile, text);
+        if (read != DK_SML_SUCCESS) continue;
         std::vector<DkGpuvfEntry> entries = ParseGpuvfFile(text);
         if (entries.empty()) continue;
         pf->SetDeviceVirtualizationMode(DK_SML_VIRTUALIZATION_MODE_PF);

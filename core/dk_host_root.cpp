@@ -147,6 +147,7 @@ const std::string& DkHostRoot::SiteChipName() const {
 }
 
 void LoadHostRoot() {
+    DkDirFd::RefreshKeptBudget();
     std::shared_ptr<const DkHostRoot> root = DkHostRoot::FromEnvironment();
     std::lock_guard<std::mutex> lock(CurrentRootMutex());
     CurrentRootStorage() = std::move(root);

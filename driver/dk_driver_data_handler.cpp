@@ -44,6 +44,14 @@ DkSmlReturn FetchAt(const DkDirFd& dir, const char* name, std::string& text) {
     return ReadFileTextAt(dir.Get(), name[0] == '\0' ? "." : name, text);
 }
 
+// The kept descriptor of a place, or, for a directory the device did not keep
+// (see DkDirFd), `path` opened into `scratch` for this one access.
+const DkDirFd& Usable(const DkDirFd& kept, const std::string& path, DkDirFd& scratch) {
+    if (kept.IsOpen() || !kept.IsPresent()) return kept;
+    scratch = OpenPathDir(path);
+    return scratch;
+}
+
 // The request's name with "%u" replaced by the decimal index ("." for an
 // empty name); false when it does not fit.
 bool FormatName(std::string_view pattern, unsigned int index, char (&name)[128]) {
@@ -95,12 +103,15 @@ DkSmlReturn DkLinuxDriverDataHandler::FetchData(unsigned int dieId, dravik_smi_o
     if (!m_dirs) return DK_SML_ERROR_NOT_SUPPORTED;
     DkReadSession* session = DkReadSession::Current();
     if (DkDriverInterfaceManager::GetRequestPlace(op) == DkRequestPlace::Smi) {  // the hot path: no formatting
-        const DkDirFd& dir = dieId == 0 ? m_dirs->smi0 : m_dirs->smi1;
+        const DkDirFd& kept = dieId == 0 ? m_dirs->smi0 : m_dirs->smi1;
+        const std::string& path = dieId == 0 ? m_smiPath0 : m_smiPath1;
         const char* name = DkDriverInterfaceManager::GetDriverInterfaceRef(op).c_str();
-        if (session != nullptr)
-            return session->Fetch(m_dirs, dieId == 0 ? 0 : 1, op, text,
-                                  [&](std::string& read) { return FetchAt(dir, name, read); });
-        return FetchAt(dir, name, text);
+        const auto read = [&](std::string& out) {
+            DkDirFd scratch;
+            return FetchAt(Usable(kept, path, scratch), name, out);
+        };
+        if (session != nullptr) return session->Fetch(m_dirs, dieId == 0 ? 0 : 1, op, text, read);
+        return read(text);
     }
     const auto read = [&](std::string& out) {
         RequestFile file;
@@ -129,7 +140,9 @@ DkSmlReturn DkLinuxDriverDataHandler::SetData(unsigned int dieId, dravik_smi_opc
     if (!m_dirs) return DK_SML_ERROR_NOT_SUPPORTED;
     DkReadSession::ForgetCurrent();  // the driver may answer differently after a write
     if (DkDriverInterfaceManager::GetRequestPlace(op) == DkRequestPlace::Smi) {
-        const DkDirFd& dir = dieId == 0 ? m_dirs->smi0 : m_dirs->smi1;
+        DkDirFd scratch;
+        const DkDirFd& dir = Usable(dieId == 0 ? m_dirs->smi0 : m_dirs->smi1, dieId == 0 ? m_smiPath0 : m_smiPath1,
+                                    scratch);
         const std::string& name = DkDriverInterfaceManager::GetDriverInterfaceRef(op);
         if (!dir.IsOpen()) return DK_SML_ERROR_NOT_SUPPORTED;
         return WriteFileTextAt(dir.Get(), name.empty() ? "." : name.c_str(), text,
@@ -163,9 +176,11 @@ DkSmlReturn DkLinuxDriverDataHandler::Resolve(unsigned int dieId, unsigned int i
     DkDirFd& scratch = file.scratch;
     const DkDirFd* dir = &scratch;
     switch (DkDriverInterfaceManager::GetRequestPlace(op)) {
-        case DkRequestPlace::Smi: dir = dieId == 0 ? &m_dirs->smi0 : &m_dirs->smi1; break;
-        case DkRequestPlace::Function: dir = &m_dirs->function; break;
-        case DkRequestPlace::Node: dir = &m_dirs->node; break;
+        case DkRequestPlace::Smi:
+            dir = &Usable(dieId == 0 ? m_dirs->smi0 : m_dirs->smi1, dieId == 0 ? m_smiPath0 : m_smiPath1, scratch);
+            break;
+        case DkRequestPlace::Function: dir = &Usable(m_dirs->function, m_functionPath, scratch); break;
+        case DkRequestPlace::Node: dir = &Usable(m_dirs->node, m_nodePath, scratch); break;
         case DkRequestPlace::Debug: scratch = OpenPlaceDir(DebugDir()); break;
         case DkRequestPlace::LayoutNodes:
         case DkRequestPlace::Firmware:
@@ -183,7 +198,8 @@ DkSmlReturn DkLinuxDriverDataHandler::Resolve(unsigned int dieId, unsigned int i
 DkSmlReturn DkLinuxDriverDataHandler::FetchNodeDataActive(int& active) {
     if (!m_dirs) return DK_SML_ERROR_SYSFS;
     std::string& text = NodeScratch();
-    if (FetchAt(m_dirs->node, "active", text) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
+    DkDirFd scratch;
+    if (FetchAt(Usable(m_dirs->node, m_nodePath, scratch), "active", text) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
     DkTextLines lines(text);
     int value = 0;
     const DkSmlReturn ret = ReadSysfs(lines, ExtractRawValueStr, value);
@@ -195,7 +211,8 @@ DkSmlReturn DkLinuxDriverDataHandler::FetchNodeDataInactiveReason(unsigned int i
     if (!m_dirs) return DK_SML_ERROR_NOT_SUPPORTED;
     char name[32] = "inactive_reason";
     if (index != 0) std::snprintf(name, sizeof name, "inactive_reason%u", index);
-    return FetchAt(m_dirs->node, name, text);
+    DkDirFd scratch;
+    return FetchAt(Usable(m_dirs->node, m_nodePath, scratch), name, text);
 }
 
 // The driver's debug directory + "/reg_dump".

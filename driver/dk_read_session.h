@@ -9,10 +9,10 @@
 #pragma once
 
 #include <cstddef>
-#include <map>
 #include <memory>
 #include <string>
-#include <tuple>
+#include <cstdint>
+#include <vector>
 
 #include "dksml.h"
 
@@ -39,34 +39,54 @@ public:
     template <typename Read>
     DkSmlReturn Fetch(const std::shared_ptr<const void>& owner, unsigned int die, int op, std::string& text,
                       Read&& read) {
-        const Key key{owner.get(), die, op};
-        auto found = m_records.find(key);
-        if (found == m_records.end()) {
-            Record record{owner, DK_SML_SUCCESS, 0, 0};
+        std::size_t index = Find(owner.get(), die, op);
+        if (index == c_none) {
+            Record record{owner.get(), die, op, DK_SML_SUCCESS, 0, 0};
             record.status = read(m_read);
             if (record.status == DK_SML_SUCCESS) {
                 record.offset = m_texts.size();  // after the read: it may have kept records of its own
                 record.length = m_read.size();
                 m_texts += m_read;
             }
-            found = m_records.emplace(key, std::move(record)).first;
+            Hold(owner);
+            index = Insert(record);
         }
-        const Record& record = found->second;
+        const Record& record = m_records[index];
         if (record.status == DK_SML_SUCCESS) text.assign(m_texts, record.offset, record.length);
         return record.status;
     }
 
 private:
-    using Key = std::tuple<const void*, unsigned int, int>;
+    static constexpr std::size_t c_none = static_cast<std::size_t>(-1);
+
     // A kept answer; its text is m_texts[offset, offset + length).
     struct Record {
-        std::shared_ptr<const void> owner;
+        const void* owner;
+        unsigned int die;
+        int op;
         DkSmlReturn status;
         std::size_t offset;
         std::size_t length;
     };
 
-    std::map<Key, Record> m_records;
+    // The index of the record of (owner, die, op) in m_records, or c_none.
+    std::size_t Find(const void* owner, unsigned int die, int op) const;
+    // Adds `record` (not yet kept) and returns its index.
+    std::size_t Insert(const Record& record);
+    // Keeps `owner` alive while the session lives.
+    void Hold(const std::shared_ptr<const void>& owner);
+    void Clear();
+    // Writes `index` into the first free slot of `record`'s probe sequence.
+    void Place(const Record& record, std::size_t index);
+
+    // One snapshot asks a few hundred records: an open-addressing table of
+    // indices into one vector costs no allocation per record, where a tree
+    // map costs a node and a shared_ptr copy each.
+    std::vector<Record> m_records;
+    std::vector<uint32_t> m_slots;  // index + 1 into m_records; 0 is a free slot
+    // Each device's directories once per run of its records (a snapshot asks
+    // one device after the other).
+    std::vector<std::shared_ptr<const void>> m_owners;
     // Every kept text one after the other, and the buffer a record is read
     // into: two strings that grow a few times per session instead of one
     // allocation per record.
