@@ -12,8 +12,6 @@
 namespace dksmi::test {
 namespace {
 
-using dksml::vhost::ScopedHost;
-using namespace std::string_view_literals;
 
 using DksmiSummary = DksmiTest;
 
