@@ -111,8 +111,6 @@ TEST_F(GatherTest, DiffNamesTheAttributeFilesThatChanged) {
     EXPECT_NE(text.find("0000:1b:00.0/smi/showtemp\n"), std::string::npos) << text;
     EXPECT_NE(text.find("  B:  hotspot: 99\n"), std::string::npos) << text;
     EXPECT_NE(text.find("only in A: /sys/devices/"), std::string::npos) << text;
-    std::ostringstream same;
-    EXPECT_EQ(DiffSnapshots(bad, bad, same), 0u);
 }
 
 }  // namespace
