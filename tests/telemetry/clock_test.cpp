@@ -190,22 +190,10 @@ TEST_F(ClockTest, IpVendorOffsetOnlyForTrainingBrands) {
 
 // Throttle reasons -----------------------------------------------------------
 
-// The device's mask is the OR of its dies'; a failing die ends the OR with
-// its code and what was gathered so far.
-TEST_F(ClockTest, DeviceMaskIsTheOrOfItsDies) {
-    device.dieCount = 2;
-    device.Serve(0, DRAVIK_SMI_PMDECSRC, "pmdecsrc: 1\n");
-    device.Serve(1, DRAVIK_SMI_PMDECSRC, "pmdecsrc: 4\n");
-    uint64_t mask = 0;
-    ASSERT_EQ(clock.GetCurrentClocksThrottleReason(&device, &mask), DK_SML_SUCCESS);
-    EXPECT_EQ(mask, 5u);
-    device.Serve(1, DRAVIK_SMI_PMDECSRC, "pmdecsrc: garbage\n");
-    mask = 0xff;
-    EXPECT_EQ(clock.GetCurrentClocksThrottleReason(&device, &mask), DK_SML_ERROR_SYSFS);
-    EXPECT_EQ(mask, 1u);
-}
-
-TEST_F(ClockTest, ThrottleTextParsesTheFirstLine) {
+// The driver's mask is the first line's number. The device's mask is the OR
+// of its dies'; a failing die ends the OR with its code and what was gathered
+// so far.
+TEST_F(ClockTest, ThrottleMaskOfADieAndOfTheDevice) {
     const struct {
         const char* text;
         DkSmlReturn expected;
@@ -225,6 +213,16 @@ TEST_F(ClockTest, ThrottleTextParsesTheFirstLine) {
             EXPECT_EQ(mask, c.mask) << c.text;
         }
     }
+    device.dieCount = 2;
+    device.Serve(0, DRAVIK_SMI_PMDECSRC, "pmdecsrc: 1\n");
+    device.Serve(1, DRAVIK_SMI_PMDECSRC, "pmdecsrc: 4\n");
+    uint64_t mask = 0;
+    ASSERT_EQ(clock.GetCurrentClocksThrottleReason(&device, &mask), DK_SML_SUCCESS);
+    EXPECT_EQ(mask, 5u);
+    device.Serve(1, DRAVIK_SMI_PMDECSRC, "pmdecsrc: garbage\n");
+    mask = 0xff;
+    EXPECT_EQ(clock.GetCurrentClocksThrottleReason(&device, &mask), DK_SML_ERROR_SYSFS);
+    EXPECT_EQ(mask, 1u);
 }
 
 }  // namespace
