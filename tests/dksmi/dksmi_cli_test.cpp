@@ -79,8 +79,9 @@ TEST_F(DksmiCli, WatchWithCountEmitsOneJsonDocumentPerRedraw) {
     ASSERT_EQ(run.exitCode, 0) << run.err;
     std::istringstream lines(run.out);
     size_t documents = 0;
-    for (std::string line; std::getline(lines, line); ++documents)
+    for (std::string line; std::getline(lines, line); ++documents) {
         EXPECT_EQ(json::parse(line)["schema_version"], 2);
+    }
     EXPECT_EQ(documents, 3u);
 }
 

@@ -12,7 +12,6 @@
 namespace dksmi::test {
 namespace {
 
-
 using DksmiSet = DksmiTest;
 
 TEST_F(DksmiSet, ChangesTheMaximumLevelAndTheIntervalAsRoot) {

@@ -27,10 +27,10 @@ namespace dksml::realtools {
 namespace {
 
 namespace fs = std::filesystem;
-using vhost::DeviceSpec;
-using vhost::HostSpec;
 using dksmi::test::RunCommand;
 using dksmi::test::RunResult;
+using vhost::DeviceSpec;
+using vhost::HostSpec;
 
 // lspci -v looks up kernel modules of the build machine through libkmod; on
 // a container without /lib/modules it says so. That note is about the
