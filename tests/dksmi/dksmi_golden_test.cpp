@@ -25,7 +25,6 @@ namespace {
 namespace fs = std::filesystem;
 using dksml::test::ReadWholeFile;
 using dksml::test::ShippedProfiles;
-using dksml::vhost::ScopedHost;
 
 fs::path GoldenDirectory() { return fs::path(DKSML_SOURCE_DIR) / "tests" / "dksmi" / "golden"; }
 

@@ -12,9 +12,6 @@
 namespace dksmi::test {
 namespace {
 
-using dksml::vhost::ScopedHost;
-using namespace std::string_view_literals;
-
 using DksmiSet = DksmiTest;
 
 TEST_F(DksmiSet, ChangesTheMaximumLevelAndTheIntervalAsRoot) {

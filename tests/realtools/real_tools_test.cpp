@@ -3,12 +3,8 @@
 // describes it: lspci draws the bridges, ids and links; hwloc the bridges,
 // NUMA nodes, cores and CPU sets. Skips only
 // when the tools are not installed.
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -21,24 +17,20 @@
 #include <gtest/gtest.h>
 
 #include "core/dk_pci_ids.h"
+#include "dksmi/dksmi_runner.h"
 #include "support/dk_shipped_profiles.h"
 #include "vhost/dk_virtual_host.h"
 #include "vhost/vhost_cpu_topology.h"
-#include "vhost/vhost_pcie_link.h"
 #include "vhost/vhost_profile.h"
 
 namespace dksml::realtools {
 namespace {
 
 namespace fs = std::filesystem;
+using dksmi::test::RunCommand;
+using dksmi::test::RunResult;
 using vhost::DeviceSpec;
 using vhost::HostSpec;
-
-struct ToolRun {
-    int status = -1;
-    std::string out;
-    std::vector<std::string> errorLines;  // stderr, minus notes about the build machine itself
-};
 
 // lspci -v looks up kernel modules of the build machine through libkmod; on
 // a container without /lib/modules it says so. That note is about the
@@ -47,32 +39,9 @@ bool IsBuildMachineNote(const std::string& line) {
     return line.find("Unable to load libkmod resources") != std::string::npos;
 }
 
-// Runs `command` through the shell with stdout and stderr captured apart.
-ToolRun RunTool(const std::string& command) {
-    char errTemplate[] = "/tmp/dksml-tool-stderr-XXXXXX";
-    const int errFd = mkstemp(errTemplate);
-    ToolRun run;
-    if (errFd < 0) return run;
-    close(errFd);
-    FILE* pipe = popen((command + " 2>" + errTemplate).c_str(), "r");
-    if (pipe != nullptr) {
-        char buffer[4096];
-        size_t got = 0;
-        while ((got = fread(buffer, 1, sizeof buffer, pipe)) > 0) run.out.append(buffer, got);
-        const int status = pclose(pipe);
-        run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    std::istringstream errors(test::ReadWholeFile(errTemplate));
-    for (std::string line; std::getline(errors, line);) {
-        if (!line.empty() && !IsBuildMachineNote(line)) run.errorLines.push_back(line);
-    }
-    std::remove(errTemplate);
-    return run;
-}
-
 // Empty when `tool` is on PATH, else the reason a test skips.
 std::string MissingTool(const std::string& tool) {
-    if (RunTool("command -v " + tool).status == 0) return "";
+    if (RunCommand("command -v " + tool).exitCode == 0) return "";
     return tool + " is not installed (scripts/install-deps.sh installs pciutils and hwloc-nox)";
 }
 
@@ -115,12 +84,15 @@ protected:
         spec_ = vhost::ParseProfile(vhost::LoadProfile(GetParam()));
     }
 
-    ToolRun MustRun(const std::string& command) {
-        ToolRun run = RunTool(command);
-        EXPECT_EQ(run.status, 0) << command;
-        std::string errors;
-        for (const std::string& line : run.errorLines) errors += line + "\n";
-        EXPECT_EQ(errors, "") << command;
+    // Runs `command`, which must succeed and say nothing on standard error
+    // but notes about the build machine.
+    RunResult MustRun(const std::string& command) {
+        RunResult run = RunCommand(command);
+        EXPECT_EQ(run.exitCode, 0) << command;
+        std::istringstream errors(run.err);
+        for (std::string line; std::getline(errors, line);) {
+            if (!line.empty() && !IsBuildMachineNote(line)) ADD_FAILURE() << command << ": " << line;
+        }
         return run;
     }
 
@@ -143,7 +115,7 @@ protected:
 // physical function, its virtual functions.
 TEST_P(RealTools, LspciShowsEveryFunctionBehindItsBridgesWithItsIdsAndLinks) {
     MustRun(Lspci(Root(), "-tv"));
-    const ToolRun paths = MustRun(Lspci(Root(), "-D -PP -n"));
+    const RunResult paths = MustRun(Lspci(Root(), "-D -PP -n"));
     for (const DeviceSpec& device : spec_.devices) {
         std::string path = device.bridges.empty() ? device.busId : device.bridges.front();
         for (size_t i = 1; i < device.bridges.size(); ++i) path += "/" + device.bridges[i].substr(5);
@@ -153,7 +125,7 @@ TEST_P(RealTools, LspciShowsEveryFunctionBehindItsBridgesWithItsIdsAndLinks) {
             << path << " " << ids << " not in\n"
             << paths.out;
 
-        const ToolRun run = MustRun(Lspci(Root(), "-vv -nn -s " + device.busId));
+        const RunResult run = MustRun(Lspci(Root(), "-vv -nn -s " + device.busId));
         if (device.subsystemVendorId != 0) {
             const std::string subsystem = LineStartingWith(run.out, "Subsystem:");
             const std::string want = "[" + Hex4(device.subsystemVendorId) + ":" + Hex4(device.subsystemDeviceId) + "]";
@@ -179,10 +151,9 @@ TEST_P(RealTools, LspciShowsEveryFunctionBehindItsBridgesWithItsIdsAndLinks) {
 }
 
 TEST_P(RealTools, HwlocDrawsBridgesNumaNodesAndCpuSets) {
-    MustRun(Hwloc(Root(), "lstopo-no-graphics --whole-io"));
+    const std::string xml = MustRun(Hwloc(Root(), "lstopo-no-graphics --whole-io --of xml -")).out;
     // The firmware's distance table: 10 to the node itself, 21 to the other.
     if (spec_.cpuNodes.size() == 2) {
-        const std::string xml = MustRun(Hwloc(Root(), "lstopo-no-graphics --of xml -")).out;
         EXPECT_NE(xml.find(">10 21 21 10 <"), std::string::npos) << "NUMA distances";
     }
     // Each node's CPUs, paired into cores by their thread siblings: hwloc-calc

@@ -135,11 +135,6 @@ TEST_F(ClockTest, ReadsOneIp) {
         {"XpuWithFiveValues", "xpu clock: 1 2 3 4 5\ncsc clock: 8\n", DK_SML_CLOCK_IP_CSC, DK_SML_ERROR_FAILURE, {}},
         {"LabelFoundAsSubstring", "die0 gpu clock: 1500\n", DK_SML_CLOCK_IP_GPU, DK_SML_SUCCESS, {1500}},
         {"McIsNotMc0", "mc0 clock: 1\n", DK_SML_CLOCK_IP_MC, DK_SML_ERROR_NOT_SUPPORTED, {}},
-        {"MoreThanNineValues",
-         "dla clock: 1 2 3 4 5 6 7 8 9 10 11\n",
-         DK_SML_CLOCK_IP_DLA,
-         DK_SML_SUCCESS,
-         {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}},
         {"Absent", "csc clock: 800\n", DK_SML_CLOCK_IP_SOC, DK_SML_ERROR_NOT_SUPPORTED, {}},
     };
     for (const auto& c : cases) {
@@ -158,7 +153,11 @@ TEST_F(ClockTest, ReadsOneIp) {
 // the needed count and nothing copied.
 TEST_F(ClockTest, IpLineLongerThanTheFixedWalkKeepsEveryValue) {
     std::string line = "dla clock:";
-    for (int i = 1; i <= 40; ++i) line += " " + std::to_string(i);
+    std::vector<uint32_t> values;
+    for (uint32_t i = 1; i <= 40; ++i) {
+        line += " " + std::to_string(i);
+        values.push_back(i);
+    }
     device.Serve(0, DRAVIK_SMI_SHOWCLOCKS, line + "\n");
     uint32_t freqs[48] = {7};
     uint32_t count = 3;
@@ -167,8 +166,7 @@ TEST_F(ClockTest, IpLineLongerThanTheFixedWalkKeepsEveryValue) {
     EXPECT_EQ(freqs[0], 7u);
     count = 48;
     ASSERT_EQ(clock.GetIpClocksFreq(&device, DK_SML_CLOCK_IP_DLA, &count, freqs), DK_SML_SUCCESS);
-    ASSERT_EQ(count, 40u);
-    EXPECT_EQ(freqs[39], 40u);
+    EXPECT_EQ(std::vector<uint32_t>(freqs, freqs + count), values);
 }
 
 TEST_F(ClockTest, IpVendorOffsetOnlyForTrainingBrands) {
@@ -192,22 +190,10 @@ TEST_F(ClockTest, IpVendorOffsetOnlyForTrainingBrands) {
 
 // Throttle reasons -----------------------------------------------------------
 
-// The device's mask is the OR of its dies'; a failing die ends the OR with
-// its code and what was gathered so far.
-TEST_F(ClockTest, DeviceMaskIsTheOrOfItsDies) {
-    device.dieCount = 2;
-    device.Serve(0, DRAVIK_SMI_PMDECSRC, "pmdecsrc: 1\n");
-    device.Serve(1, DRAVIK_SMI_PMDECSRC, "pmdecsrc: 4\n");
-    uint64_t mask = 0;
-    ASSERT_EQ(clock.GetCurrentClocksThrottleReason(&device, &mask), DK_SML_SUCCESS);
-    EXPECT_EQ(mask, 5u);
-    device.Serve(1, DRAVIK_SMI_PMDECSRC, "pmdecsrc: garbage\n");
-    mask = 0xff;
-    EXPECT_EQ(clock.GetCurrentClocksThrottleReason(&device, &mask), DK_SML_ERROR_SYSFS);
-    EXPECT_EQ(mask, 1u);
-}
-
-TEST_F(ClockTest, ThrottleTextParsesTheFirstLine) {
+// The driver's mask is the first line's number. The device's mask is the OR
+// of its dies'; a failing die ends the OR with its code and what was gathered
+// so far.
+TEST_F(ClockTest, ThrottleMaskOfADieAndOfTheDevice) {
     const struct {
         const char* text;
         DkSmlReturn expected;
@@ -227,6 +213,16 @@ TEST_F(ClockTest, ThrottleTextParsesTheFirstLine) {
             EXPECT_EQ(mask, c.mask) << c.text;
         }
     }
+    device.dieCount = 2;
+    device.Serve(0, DRAVIK_SMI_PMDECSRC, "pmdecsrc: 1\n");
+    device.Serve(1, DRAVIK_SMI_PMDECSRC, "pmdecsrc: 4\n");
+    uint64_t mask = 0;
+    ASSERT_EQ(clock.GetCurrentClocksThrottleReason(&device, &mask), DK_SML_SUCCESS);
+    EXPECT_EQ(mask, 5u);
+    device.Serve(1, DRAVIK_SMI_PMDECSRC, "pmdecsrc: garbage\n");
+    mask = 0xff;
+    EXPECT_EQ(clock.GetCurrentClocksThrottleReason(&device, &mask), DK_SML_ERROR_SYSFS);
+    EXPECT_EQ(mask, 1u);
 }
 
 }  // namespace

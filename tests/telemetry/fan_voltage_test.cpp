@@ -11,7 +11,9 @@
 namespace dksml::test {
 namespace {
 
-TEST(FanTest, NeedsExactlyOneSpeedAndOneDuty) {
+// The fan is a board part: it is read and written through die 0 whatever
+// the die count.
+TEST(FanTest, NeedsExactlyOneSpeedAndOneDutyOnDieZero) {
     const struct {
         const char* text;
         DkSmlReturn expected;
@@ -25,6 +27,7 @@ TEST(FanTest, NeedsExactlyOneSpeedAndOneDuty) {
         {"fan_rpm 2400\n", DK_SML_ERROR_SYSFS, 0, 0},
     };
     FakeDevice device;
+    device.dieCount = 2;
     DkFan fan;
     for (const auto& c : cases) {
         device.Serve(0, DRAVIK_SMI_FAN_CTRL, c.text);
@@ -35,15 +38,6 @@ TEST(FanTest, NeedsExactlyOneSpeedAndOneDuty) {
             EXPECT_EQ(pwm, c.pwm) << c.text;
         }
     }
-}
-
-TEST(FanTest, AlwaysReadsAndWritesDieZero) {
-    FakeDevice device;
-    device.dieCount = 2;
-    device.Serve(0, DRAVIK_SMI_FAN_CTRL, "fan_rpm: 1\nfan_pwm: 2\n");
-    DkFan fan;
-    uint32_t rpm = 0, pwm = 0;
-    EXPECT_EQ(fan.GetFanSpeedInfo(&device, &rpm, &pwm), DK_SML_SUCCESS);
     EXPECT_EQ(fan.SetFanPwm(&device, 4000000000u), DK_SML_SUCCESS);
     ASSERT_EQ(device.writes.size(), 1u);
     EXPECT_EQ(device.writes[0].die, 0u);

@@ -1,8 +1,9 @@
 // The clock, throttle, temperature, fan and die-record exports on the
 // "server" virtual host: the argument checks, refusals and the record forms
 // (the readings, die records and sensor tables are in the golden dksmi
-// transcripts; null pointers
-// and unknown indices of the other exports in the native frame test; the
+// transcripts, which also show a virtual function without clocks, throttle
+// reasons or fan, and the services' tests refuse them; null pointers and
+// unknown indices of the other exports are in the native frame test; the
 // voltage rows' count protocol and values in the Python module's tests).
 #include <gtest/gtest.h>
 
@@ -36,18 +37,6 @@ TEST_F(TelemetryApiTest, RefusesNullPointersUnknownDevicesDiesAndSensors) {
               DK_SML_ERROR_INVALID_DIE_ID);
     EXPECT_EQ(dkSmlGetTemperatureInfo(c_twoDieDevice, static_cast<DkSmlTemperatureSensors>(5), &value),
               DK_SML_ERROR_INVALID_INPUT);
-}
-
-TEST_F(TelemetryApiTest, VirtualFunctionClocksAreRefused) {
-    const uint32_t vfIndex = 100;  // virtual functions are numbered from 100
-    DkSmlDeviceInfo info{};
-    ASSERT_EQ(dkSmlGetDeviceInfo(vfIndex, &info), DK_SML_SUCCESS) << "the server profile carries virtual functions";
-    DkSmlClocksFreqForAll clocks{};
-    uint64_t mask = 0;
-    uint32_t rpm = 0, pwm = 0;
-    EXPECT_EQ(dkSmlGetClocks(vfIndex, DK_SML_DIE_ALL, &clocks), DK_SML_ERROR_NOT_SUPPORTED);
-    EXPECT_EQ(dkSmlGetCurrentClocksThrottleReason(vfIndex, DK_SML_DIE_ALL, &mask), DK_SML_ERROR_NOT_SUPPORTED);
-    EXPECT_EQ(dkSmlGetFanSpeedInfo(vfIndex, &rpm, &pwm), DK_SML_ERROR_NOT_SUPPORTED);
 }
 
 TEST_F(TelemetryApiTest, RecordAgreesWithTheSingleSensorReadsOnEveryDie) {

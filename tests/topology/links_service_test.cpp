@@ -19,6 +19,12 @@ public:
     bool IsPf() const override { return false; }
 };
 
+class LinkTest : public ::testing::Test {
+protected:
+    LinkDevice device;
+    DkDravLink service;
+};
+
 std::string Bandwidth(int links) {
     std::string text;
     for (int i = 0; i < links; ++i) {
@@ -28,12 +34,10 @@ std::string Bandwidth(int links) {
     return text;
 }
 
-TEST(LinkBandwidth, OverflowIsCountedAndAnswered10) {
-    LinkDevice device;
+TEST_F(LinkTest, BandwidthOverflowIsCountedAndAnswered10) {
     device.Serve(0, DRAVIK_SMI_SHOWDVLKIBANDWIDTH, Bandwidth(4));
     DkSmlDravikLinkBandwidth links[3] = {};
     uint32_t count = 3;
-    DkDravLink service;
     EXPECT_EQ(service.GetDieDravLinkBandwidth(&device, 0, DK_SML_DRAVIK_LINK_INBOUND, &count, links),
               DK_SML_ERROR_INSUFFICIENT_SIZE);
     EXPECT_EQ(count, 4u);
@@ -41,9 +45,7 @@ TEST(LinkBandwidth, OverflowIsCountedAndAnswered10) {
     EXPECT_EQ(links[2].values[1], 50000u);
 }
 
-TEST(LinkBandwidth, EmptyOrBrokenTextAndRefusedFunctions) {
-    LinkDevice device;
-    DkDravLink service;
+TEST_F(LinkTest, BandwidthEmptyOrBrokenTextAndRefusedFunctions) {
     DkSmlDravikLinkBandwidth links[4] = {};
     uint32_t count = 4;
     device.Serve(0, DRAVIK_SMI_SHOWDVLKIBANDWIDTH, "\n");
@@ -58,12 +60,10 @@ TEST(LinkBandwidth, EmptyOrBrokenTextAndRefusedFunctions) {
               DK_SML_ERROR_NOT_SUPPORTED);
 }
 
-TEST(LinkPortState, Die1NeedsEightSlotsAndUnknownStatesRead5) {
-    LinkDevice device;
+TEST_F(LinkTest, PortStateDie1NeedsEightSlotsAndUnknownStatesRead5) {
     device.dieCount = 2;
     device.Serve(0, DRAVIK_SMI_SHOWDVLKSTATUS, "port1: 2\nport3: 2.0\nport4: 7\nport5: junk\n");
     device.Serve(1, DRAVIK_SMI_SHOWDVLKSTATUS, "port8: 1\n");
-    DkDravLink service;
     uint32_t states[8] = {};
     uint32_t count = 7;
     ASSERT_EQ(service.GetDieDravikLinkPortState(&device, 0, states, &count), DK_SML_SUCCESS);
@@ -85,10 +85,8 @@ TEST(LinkPorts, PortNumberAboveTheCountEndsWith1) {
     EXPECT_EQ(GetDklkPortValue<float>("no ports here\nportx: 3\nport", values, 2), DK_SML_SUCCESS);
 }
 
-TEST(LinkState, ReadsStateAndTextByTheTextRuleAndWritesDecimal) {
-    LinkDevice device;
+TEST_F(LinkTest, StateReadsStateAndTextByTheTextRuleAndWritesDecimal) {
     device.Serve(0, DRAVIK_SMI_DRAVLINK_CTRL, "1\nenabled\n");
-    DkDravLink service;
     uint32_t state = 0;
     char text[8] = {};
     uint32_t size = 7;  // "enabled" needs 8 with its zero
@@ -110,11 +108,9 @@ TEST(LinkState, ReadsStateAndTextByTheTextRuleAndWritesDecimal) {
     EXPECT_EQ(device.writes[0].text, "0");
 }
 
-TEST(LinkCounters, PairsPerPortAndBrokenLines) {
-    LinkDevice device;
+TEST_F(LinkTest, CountersPairsPerPortAndBrokenLines) {
     device.Serve(0, DRAVIK_SMI_DVLKI_TRAFFIC_STAT, "port1: 10 2560\nport2: 3 768\n");
     device.Serve(0, DRAVIK_SMI_SHOWDVLKAER, "port1: 4\n");
-    DkDravLink service;
     DkSmlDravikLinkTrafficStat traffic[1] = {};
     uint32_t count = 1;
     EXPECT_EQ(service.GetDravLinkTrafficStat(&device, DK_SML_DRAVIK_LINK_INBOUND, &count, traffic),

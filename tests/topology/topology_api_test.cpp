@@ -47,13 +47,12 @@ TEST(TopologyApi, DistancesShortMasksAndRefusals) {
 }
 
 TEST(TopologyApi, GpuWithoutLinkRecordsIsUnreachable) {
-    nlohmann::json profile = vhost::LoadProfile("server");
-    auto host = std::make_unique<vhost::ScopedHost>(profile);
+    const vhost::ScopedHost host(vhost::LoadProfile("server"));
     // Take every link record of the DKK6U away, as a driver without the
     // layout's link directories would.
-    const std::filesystem::path nodes = host->Path("/sys/class/dravik/dkcd/layout/nodes");
+    const std::filesystem::path nodes = host.Path("/sys/class/dravik/dkcd/layout/nodes");
     for (const auto& node : std::filesystem::directory_iterator(nodes)) {
-        if (host->ReadFile("/sys/class/dravik/dkcd/layout/nodes/" + node.path().filename().string() + "/location") !=
+        if (host.ReadFile("/sys/class/dravik/dkcd/layout/nodes/" + node.path().filename().string() + "/location") !=
             "0000:b0:00.0\n") {
             continue;
         }

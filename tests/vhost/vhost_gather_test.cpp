@@ -1,12 +1,12 @@
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "support/dk_shipped_profiles.h"
 #include "vhost/dk_virtual_host.h"
 #include "vhost/vhost_archive.h"
 #include "vhost/vhost_gather.h"
@@ -16,10 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string Manifest(const fs::path& out) {
-    std::ifstream in(out / c_manifestName);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
+std::string Manifest(const fs::path& out) { return test::ReadWholeFile(out / c_manifestName); }
 
 // The server host with what a real machine adds around it: private process
 // files, a descriptor with an absolute target, an override that is a dangling link.
@@ -111,8 +108,6 @@ TEST_F(GatherTest, DiffNamesTheAttributeFilesThatChanged) {
     EXPECT_NE(text.find("0000:1b:00.0/smi/showtemp\n"), std::string::npos) << text;
     EXPECT_NE(text.find("  B:  hotspot: 99\n"), std::string::npos) << text;
     EXPECT_NE(text.find("only in A: /sys/devices/"), std::string::npos) << text;
-    std::ostringstream same;
-    EXPECT_EQ(DiffSnapshots(bad, bad, same), 0u);
 }
 
 }  // namespace

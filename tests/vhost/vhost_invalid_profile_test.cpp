@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "vhost/dk_virtual_host.h"
@@ -15,6 +16,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using nlohmann::json;
+using testing::HasSubstr;
+using testing::ThrowsMessage;
 
 struct InvalidCase {
     const char* name;
@@ -91,12 +94,8 @@ TEST_P(InvalidProfile, ThrowsWithAClearMessageAndLeavesTheDirectoryAlone) {
     const fs::path root = fs::temp_directory_path() / ("dkvhost-invalid-" + std::string(GetParam().name));
     fs::create_directories(root);
     std::ofstream(root / "keep") << "x";
-    try {
-        WriteHost(json::parse(GetParam().profile), root);
-        ADD_FAILURE() << "no error for " << GetParam().name;
-    } catch (const std::runtime_error& error) {
-        EXPECT_NE(std::string(error.what()).find(GetParam().message), std::string::npos) << error.what();
-    }
+    EXPECT_THAT([&] { WriteHost(json::parse(GetParam().profile), root); },
+                ThrowsMessage<std::runtime_error>(HasSubstr(GetParam().message)));
     EXPECT_TRUE(fs::exists(root / "keep"));
     fs::remove_all(root);
 }
@@ -110,12 +109,7 @@ TEST(LoadProfile, UnknownNameOrMalformedJsonNamesTheFile) {
     const std::pair<std::string, std::string> cases[] = {{"no-such-profile", "no-such-profile.json"},
                                                          {file.string(), file.string() + " is not valid JSON"}};
     for (const auto& [name, message] : cases) {
-        try {
-            LoadProfile(name);
-            ADD_FAILURE() << name;
-        } catch (const std::runtime_error& error) {
-            EXPECT_NE(std::string(error.what()).find(message), std::string::npos) << error.what();
-        }
+        EXPECT_THAT([&] { LoadProfile(name); }, ThrowsMessage<std::runtime_error>(HasSubstr(message))) << name;
     }
     fs::remove(file);
 }
