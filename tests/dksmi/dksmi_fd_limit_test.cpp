@@ -17,7 +17,7 @@ class DksmiFdLimitTest : public DksmiTest {};
 
 TEST_F(DksmiFdLimitTest, ReadsPastTheBudgetAnswerAsKeptOnes) {
     for (const std::string& profile : dksml::test::ShippedProfiles()) {
-        const dksml::vhost::ScopedHost host(profile);
+        const ScopedHost host(profile);
         for (const char* arguments : {"", "--json"}) {
             const RunResult unlimited = RunDksmi(arguments);
             const RunResult limited = RunDksmi(arguments, c_smallLimit);
