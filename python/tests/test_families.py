@@ -39,7 +39,9 @@ class SlicesHostTest(unittest.TestCase):
         newest = process_rows(api.processes(3))
         for version in (1, 2):
             with self.subTest(version=version):
-                unknown = {"slice_id": None} if version == 2 else {"slice_id": None, "memory_domain": 0}
+                unknown: dict[str, int | None] = {"slice_id": None}
+                if version == 1:
+                    unknown["memory_domain"] = 0
                 expected = [dict(p, gpus=[dict(g, **unknown) for g in p["gpus"]]) for p in newest]
                 self.assertEqual(process_rows(api.processes(version)), expected)
 
