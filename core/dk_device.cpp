@@ -103,9 +103,9 @@ void DkDevice::OpenDirectories() {
 }
 
 DkSmlReturn DkDevice::ReadSmiFile(const char* name, std::string& text) const {
-    if (m_dirs->smi0.IsOpen()) return ReadFileTextAt(m_dirs->smi0.Get(), name, text);
-    if (!m_dirs->smi0.IsPresent()) return DK_SML_ERROR_NOT_SUPPORTED;
-    return ReadFileText(GetSmiPath(0) + name, text);
+    if (m_dirs->smi0.IsOpen()) return ReadFileTextAt(m_dirs->smi0.Get(), name, text);  // no path to build
+    DkDirFd scratch;
+    return ReadFileTextAt(m_dirs->smi0.OrOpenedAt(GetSmiPath(0), scratch).Get(), name, text);
 }
 
 std::shared_ptr<const DkDeviceDirs> DkDevice::GetDeviceDirs() const { return m_dirs; }

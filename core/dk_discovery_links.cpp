@@ -75,10 +75,10 @@ void DkSystemManager::ConnectPfAndVfDevice() {
         const std::shared_ptr<const DkDeviceDirs> dirs = pf->GetDeviceDirs();
         std::string text;
         if (!dirs) continue;
-        const DkSmlReturn read = dirs->function.IsOpen() || !dirs->function.IsPresent()
-                                     ? ReadFileTextAt(dirs->function.Get(), c_gpuvfFile, text)
-                                     : ReadFileText(HostPath(pf->GetDeviceDir()) + "/" + c_gpuvfFile, text);
-        if (read != DK_SML_SUCCESS) continue;
+        DkDirFd scratch;  // the path is built only for a directory not kept
+        const DkDirFd& function =
+            dirs->function.IsOpen() ? dirs->function : dirs->function.OrOpenedAt(HostPath(pf->GetDeviceDir()), scratch);
+        if (ReadFileTextAt(function.Get(), c_gpuvfFile, text) != DK_SML_SUCCESS) continue;
         std::vector<DkGpuvfEntry> entries = ParseGpuvfFile(text);
         if (entries.empty()) continue;
         pf->SetDeviceVirtualizationMode(DK_SML_VIRTUALIZATION_MODE_PF);

@@ -62,6 +62,18 @@ DkDirFd& DkDirFd::operator=(DkDirFd&& other) noexcept {
     return *this;
 }
 
+DkDirFd DkDirFd::OpenPath(const std::string& path) {
+    if (path.empty()) return {};
+    const int fd = ::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    return DkDirFd(fd, fd < 0 ? errno : 0);
+}
+
+const DkDirFd& DkDirFd::OrOpenedAt(const std::string& path, DkDirFd& scratch) const {
+    if (IsOpen() || !IsPresent()) return *this;
+    scratch = OpenPath(path);
+    return scratch;
+}
+
 DkDirFd DkDirFd::OpenSubdir(const char* name) const {
     if (m_fd < 0) return DkDirFd(-1, m_errno);
     const int fd = ::openat(m_fd, name, O_PATH | O_DIRECTORY | O_CLOEXEC);

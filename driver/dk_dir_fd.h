@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cerrno>
+#include <string>
 
 namespace dksml {
 
@@ -29,9 +30,14 @@ public:
     DkDirFd& operator=(const DkDirFd&) = delete;
     ~DkDirFd();
 
+    // The directory at an absolute `path` (O_PATH); not open for an empty one.
+    static DkDirFd OpenPath(const std::string& path);
     // The directory `name` inside this one (one lookup, O_PATH); when this
     // one is not open, neither is the result, with this one's errno.
     DkDirFd OpenSubdir(const char* name) const;
+    // This descriptor, or, for a directory kept by path only (IsPresent
+    // without IsOpen), its `path` opened into `scratch` for one access.
+    const DkDirFd& OrOpenedAt(const std::string& path, DkDirFd& scratch) const;
 
     // Counts this open descriptor against the budget of kept directories;
     // past the budget it is closed instead and the directory marked present.

@@ -28,13 +28,6 @@ void AppendHex8(std::string& out, unsigned long value) {
     out.append(buf, digits);
 }
 
-// Directory descriptor of a filesystem path (used when the device keeps none).
-DkDirFd OpenPathDir(const std::string& path) {
-    if (path.empty()) return {};
-    const int fd = ::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-    return DkDirFd(fd, fd < 0 ? errno : 0);
-}
-
 // Whole text of `name` in an opened directory: DK_SML_ERROR_NOT_SUPPORTED when
 // it (or the directory) is absent, DK_SML_ERROR_SYSFS when it cannot be read. An empty name addresses the directory
 // itself, which is never readable.
@@ -42,14 +35,6 @@ DkSmlReturn FetchAt(const DkDirFd& dir, const char* name, std::string& text) {
     if (!dir.IsOpen()) return dir.OpenErrno() == ENOENT || dir.OpenErrno() == ENOTDIR ? DK_SML_ERROR_NOT_SUPPORTED
                                                                                         : DK_SML_ERROR_SYSFS;
     return ReadFileTextAt(dir.Get(), name[0] == '\0' ? "." : name, text);
-}
-
-// The kept descriptor of a place, or, for a directory the device did not keep
-// (see DkDirFd), `path` opened into `scratch` for this one access.
-const DkDirFd& Usable(const DkDirFd& kept, const std::string& path, DkDirFd& scratch) {
-    if (kept.IsOpen() || !kept.IsPresent()) return kept;
-    scratch = OpenPathDir(path);
-    return scratch;
 }
 
 // The request's name with "%u" replaced by the decimal index ("." for an
@@ -79,7 +64,7 @@ bool FormatName(std::string_view pattern, unsigned int index, char (&name)[128])
 // Path of a place the handler opens at each access ("" when it has none).
 DkDirFd OpenPlaceDir(const std::string& path) {
     if (path.empty()) return DkDirFd(-1, ENOENT);
-    return OpenPathDir(path);
+    return DkDirFd::OpenPath(path);
 }
 
 // Scratch text for the node files: reused, so repeated state queries do not allocate.
@@ -99,16 +84,18 @@ std::string DkLinuxDriverDataHandler::GetDriverInterfaceFile(unsigned int dieId,
     return path;
 }
 
+const DkDirFd& DkLinuxDriverDataHandler::DieDir(unsigned int dieId, DkDirFd& scratch) const {
+    return dieId == 0 ? m_dirs->smi0.OrOpenedAt(m_smiPath0, scratch) : m_dirs->smi1.OrOpenedAt(m_smiPath1, scratch);
+}
+
 DkSmlReturn DkLinuxDriverDataHandler::FetchData(unsigned int dieId, dravik_smi_opcode op, std::string& text) {
     if (!m_dirs) return DK_SML_ERROR_NOT_SUPPORTED;
     DkReadSession* session = DkReadSession::Current();
     if (DkDriverInterfaceManager::GetRequestPlace(op) == DkRequestPlace::Smi) {  // the hot path: no formatting
-        const DkDirFd& kept = dieId == 0 ? m_dirs->smi0 : m_dirs->smi1;
-        const std::string& path = dieId == 0 ? m_smiPath0 : m_smiPath1;
         const char* name = DkDriverInterfaceManager::GetDriverInterfaceRef(op).c_str();
         const auto read = [&](std::string& out) {
             DkDirFd scratch;
-            return FetchAt(Usable(kept, path, scratch), name, out);
+            return FetchAt(DieDir(dieId, scratch), name, out);
         };
         if (session != nullptr) return session->Fetch(m_dirs, dieId == 0 ? 0 : 1, op, text, read);
         return read(text);
@@ -141,8 +128,7 @@ DkSmlReturn DkLinuxDriverDataHandler::SetData(unsigned int dieId, dravik_smi_opc
     DkReadSession::ForgetCurrent();  // the driver may answer differently after a write
     if (DkDriverInterfaceManager::GetRequestPlace(op) == DkRequestPlace::Smi) {
         DkDirFd scratch;
-        const DkDirFd& dir = Usable(dieId == 0 ? m_dirs->smi0 : m_dirs->smi1, dieId == 0 ? m_smiPath0 : m_smiPath1,
-                                    scratch);
+        const DkDirFd& dir = DieDir(dieId, scratch);
         const std::string& name = DkDriverInterfaceManager::GetDriverInterfaceRef(op);
         if (!dir.IsOpen()) return DK_SML_ERROR_NOT_SUPPORTED;
         return WriteFileTextAt(dir.Get(), name.empty() ? "." : name.c_str(), text,
@@ -176,11 +162,9 @@ DkSmlReturn DkLinuxDriverDataHandler::Resolve(unsigned int dieId, unsigned int i
     DkDirFd& scratch = file.scratch;
     const DkDirFd* dir = &scratch;
     switch (DkDriverInterfaceManager::GetRequestPlace(op)) {
-        case DkRequestPlace::Smi:
-            dir = &Usable(dieId == 0 ? m_dirs->smi0 : m_dirs->smi1, dieId == 0 ? m_smiPath0 : m_smiPath1, scratch);
-            break;
-        case DkRequestPlace::Function: dir = &Usable(m_dirs->function, m_functionPath, scratch); break;
-        case DkRequestPlace::Node: dir = &Usable(m_dirs->node, m_nodePath, scratch); break;
+        case DkRequestPlace::Smi: dir = &DieDir(dieId, scratch); break;
+        case DkRequestPlace::Function: dir = &m_dirs->function.OrOpenedAt(m_functionPath, scratch); break;
+        case DkRequestPlace::Node: dir = &m_dirs->node.OrOpenedAt(m_nodePath, scratch); break;
         case DkRequestPlace::Debug: scratch = OpenPlaceDir(DebugDir()); break;
         case DkRequestPlace::LayoutNodes:
         case DkRequestPlace::Firmware:
@@ -199,7 +183,8 @@ DkSmlReturn DkLinuxDriverDataHandler::FetchNodeDataActive(int& active) {
     if (!m_dirs) return DK_SML_ERROR_SYSFS;
     std::string& text = NodeScratch();
     DkDirFd scratch;
-    if (FetchAt(Usable(m_dirs->node, m_nodePath, scratch), "active", text) != DK_SML_SUCCESS) return DK_SML_ERROR_SYSFS;
+    if (FetchAt(m_dirs->node.OrOpenedAt(m_nodePath, scratch), "active", text) != DK_SML_SUCCESS)
+        return DK_SML_ERROR_SYSFS;
     DkTextLines lines(text);
     int value = 0;
     const DkSmlReturn ret = ReadSysfs(lines, ExtractRawValueStr, value);
@@ -212,7 +197,7 @@ DkSmlReturn DkLinuxDriverDataHandler::FetchNodeDataInactiveReason(unsigned int i
     char name[32] = "inactive_reason";
     if (index != 0) std::snprintf(name, sizeof name, "inactive_reason%u", index);
     DkDirFd scratch;
-    return FetchAt(Usable(m_dirs->node, m_nodePath, scratch), name, text);
+    return FetchAt(m_dirs->node.OrOpenedAt(m_nodePath, scratch), name, text);
 }
 
 // The driver's debug directory + "/reg_dump".
@@ -233,10 +218,10 @@ void DkLinuxDriverDataHandler::Attach(DkDriverDataSource source) {
     m_dirs = std::move(source.dirs);
     if (m_dirs) return;
     auto dirs = std::make_shared<DkDriverDirs>();
-    dirs->smi0 = OpenPathDir(m_smiPath0);
-    dirs->smi1 = OpenPathDir(m_smiPath1);
-    dirs->node = OpenPathDir(m_nodePath);
-    dirs->function = OpenPathDir(m_functionPath);
+    dirs->smi0 = DkDirFd::OpenPath(m_smiPath0);
+    dirs->smi1 = DkDirFd::OpenPath(m_smiPath1);
+    dirs->node = DkDirFd::OpenPath(m_nodePath);
+    dirs->function = DkDirFd::OpenPath(m_functionPath);
     m_dirs = std::move(dirs);
 }
 

@@ -94,6 +94,9 @@ private:
         int dirFd = -1;
         char name[128];
     };
+    // The die's "smi/" (die 0) or "smi1/" directory, opened by path into
+    // `scratch` when the device did not keep it.
+    const DkDirFd& DieDir(unsigned int dieId, DkDirFd& scratch) const;
     DkSmlReturn Resolve(unsigned int dieId, unsigned int index, dravik_smi_opcode op, RequestFile& file) const;
     // Writes `text` to the request's file by the table's create and newline rules.
     DkSmlReturn WriteRequest(unsigned int dieId, unsigned int index, dravik_smi_opcode op, const std::string& text);
