@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <memory>
 #include <string>
 
 #include "driver/dk_read_session.h"
@@ -53,6 +54,35 @@ TEST_F(ReadSessionTest, EndsWithItsScopeAndNests) {
     }
     EXPECT_EQ(DkReadSession::Current(), nullptr);
     EXPECT_EQ(Fetch(0, DRAVIK_SMI_SHOWUSE), "2\n");
+}
+
+// A session of a large host keeps more records than its first table holds:
+// every one is still found, with its own text or refusal, after the table grew.
+TEST(ReadSession, KeepsEveryRecordOfManyDevicesAcrossGrowth) {
+    const std::shared_ptr<const void> devices[] = {std::make_shared<int>(0), std::make_shared<int>(1)};
+    constexpr int c_ops = 300;
+    constexpr int c_records = 2 * 2 * c_ops;  // devices x dies x requests
+    const DkReadSession session;
+    int reads = 0;
+    for (int pass = 0; pass < 2; ++pass) {
+        for (int record = 0; record < c_records; ++record) {
+            const int op = record % c_ops;
+            const auto die = static_cast<unsigned int>(record / c_ops % 2);
+            const bool refused = op % 7 == 0;
+            const std::string expected = std::to_string(record);
+            std::string text;
+            const auto read = [&](std::string& out) {
+                ++reads;
+                out = expected;
+                return refused ? DK_SML_ERROR_NOT_SUPPORTED : DK_SML_SUCCESS;
+            };
+            const DkSmlReturn status =
+                DkReadSession::Current()->Fetch(devices[record / (2 * c_ops)], die, op, text, read);
+            EXPECT_EQ(status, refused ? DK_SML_ERROR_NOT_SUPPORTED : DK_SML_SUCCESS);
+            EXPECT_EQ(text, refused ? "" : expected);  // a refusal leaves it untouched
+        }
+    }
+    EXPECT_EQ(reads, c_records);  // the second pass read nothing
 }
 
 }  // namespace
